@@ -1,0 +1,323 @@
+#include "obdtransporter.h"
+#include "canresponse.h"
+#include "iobdproxy.h"
+#include "iscantool.h"
+#include "obdparameter.h"
+#include "trlog.h"
+
+#include <cassert>
+
+namespace Obd {
+
+namespace {
+
+// A CAN frame never occupies more than this; converting more of the
+// remaining text for one frame would only be thrown away.
+const size_t MAX_FRAME_BYTES = 8;
+
+int hexValue(char c)
+{
+    if (c >= '0' && c <= '9')
+        return c - '0';
+    if (c >= 'a' && c <= 'f')
+        return c - 'a' + 10;
+    if (c >= 'A' && c <= 'F')
+        return c - 'A' + 10;
+    return -1;
+}
+
+// Strict: the whole text must be pairs of hex digits.
+bool hexToBytes(const std::string& text, std::vector<unsigned char>& bytes)
+{
+    bytes.clear();
+    if (text.size() % 2 != 0)
+        return false;
+    bytes.reserve(text.size() / 2);
+    for (size_t i = 0; i < text.size(); i += 2) {
+        const int high = hexValue(text[i]);
+        const int low = hexValue(text[i + 1]);
+        if (high < 0 || low < 0) {
+            bytes.clear();
+            return false;
+        }
+        bytes.push_back(static_cast<unsigned char>(high * 16 + low));
+    }
+    return true;
+}
+
+// The leading whole hex pairs, up to maxBytes: frames are glued to the next
+// identifier (3 characters on 11-bit CAN), so the rest of a CAN response is
+// often odd or followed by something unreadable. The frame decides how much
+// of it is its own.
+void hexPrefixToBytes(const std::string& text, size_t maxBytes, std::vector<unsigned char>& bytes)
+{
+    bytes.clear();
+    for (size_t i = 0; i + 1 < text.size() && bytes.size() < maxBytes; i += 2) {
+        const int high = hexValue(text[i]);
+        const int low = hexValue(text[i + 1]);
+        if (high < 0 || low < 0)
+            break;
+        bytes.push_back(static_cast<unsigned char>(high * 16 + low));
+    }
+}
+
+std::string toLowerHex(const std::vector<unsigned char>& bytes)
+{
+    static const char DIGITS[] = "0123456789abcdef";
+    std::string text;
+    text.reserve(bytes.size() * 2);
+    for (unsigned char b : bytes) {
+        text.push_back(DIGITS[b >> 4]);
+        text.push_back(DIGITS[b & 0x0F]);
+    }
+    return text;
+}
+
+// Hands each ECU's payload to the parameter in ascending id order; a
+// rejection is noted and the next ECU follows.
+void deliver(unsigned int protocol, unsigned int ecuId, const std::vector<unsigned char>& payload,
+             ObdParameter* parameter)
+{
+    if (!parameter->parse(protocol, ecuId, payload))
+        OBD_DEBUG << "Invalid data received for " << ecuId;
+}
+
+} // namespace
+
+ObdTransporter::ObdTransporter()
+{
+}
+
+ObdTransporter::~ObdTransporter()
+{
+}
+
+ExchangeResult ObdTransporter::execute(IObdProxy* provider, ObdParameter* parameter)
+{
+    assert(parameter != 0 && "parameter != 0");
+    if (!provider || !parameter)
+        return ER_ERROR;
+    IScantool* scantool = provider->getScantool();
+    if (!scantool || !scantool->isInitialized())
+        return ER_ERROR;
+
+    const unsigned int protocol = scantool->getProtocol();
+    std::vector<unsigned char> request;
+    parameter->getRequest(protocol, request);
+    const std::string command = toLowerHex(request);
+
+    // A failed send leaves the response empty, which is what counts.
+    std::vector<unsigned char> response;
+    scantool->sendCommand(std::vector<unsigned char>(command.begin(), command.end()), response,
+                          parameter->getTimeout());
+    if (response.empty())
+        return ER_NO_DATA;
+    const std::string text(response.begin(), response.end());
+
+    if (!scantool->isHeadersOn()) {
+        std::vector<unsigned char> bytes;
+        if (!hexToBytes(text, bytes)) {
+            OBD_ERROR << "Failed to convert response to bytes";
+            return ER_ERROR;
+        }
+        return parameter->parse(protocol, 0, bytes) ? ER_OK : ER_ERROR;
+    }
+
+    bool parsed = false;
+    switch (protocol) {
+    case PROTOCOL_ISO9141:
+    case PROTOCOL_KWP2000:
+    case PROTOCOL_J1850:
+        parsed = parseNonCanResponse(protocol, text, parameter);
+        break;
+    case PROTOCOL_CAN_11BIT:
+    case PROTOCOL_CAN_29BIT:
+        parsed = parseCanResponse(protocol, text, parameter);
+        break;
+    default:
+        return ER_ERROR;
+    }
+    return parsed ? ER_OK : ER_ERROR;
+}
+
+//  11-bit:  "7E8" ...           -> 0x07E8
+//  29-bit:  "18" "DA" "F1" "10" ... -> (0x18 & 0x1F) << 24 | 0xDAF110
+//            b0   b1   b2   b3
+// The top three bits of b0 are not part of a 29-bit identifier.
+bool ObdTransporter::extractEcuId(unsigned int protocol, std::string& text,
+                                  unsigned int& ecuId) const
+{
+    std::vector<unsigned char> bytes;
+    if (protocol == PROTOCOL_CAN_11BIT) {
+        if (text.size() < 3 || !hexToBytes("0" + text.substr(0, 3), bytes))
+            return false;
+        ecuId = (static_cast<unsigned int>(bytes[0]) << 8) | bytes[1];
+        text.erase(0, 3);
+        return true;
+    }
+    if (protocol == PROTOCOL_CAN_29BIT) {
+        if (text.size() < 8 || !hexToBytes(text.substr(0, 8), bytes))
+            return false;
+        ecuId = (static_cast<unsigned int>(bytes[0] & 0x1F) << 24)
+            | (static_cast<unsigned int>(bytes[1]) << 16)
+            | (static_cast<unsigned int>(bytes[2]) << 8) | bytes[3];
+        text.erase(0, 8);
+        return true;
+    }
+    return false;
+}
+
+bool ObdTransporter::addCanFrame(std::string& text, CanResponse& canResponse) const
+{
+    std::vector<unsigned char> bytes;
+    hexPrefixToBytes(text, MAX_FRAME_BYTES, bytes);
+    const int used = canResponse.addFrame(bytes);
+    if (used < 0) {
+        OBD_ERROR << "Failed to parse message payload";
+        return false;
+    }
+    // No line separators: the frame's own length says where the next
+    // identifier starts.
+    text.erase(0, static_cast<size_t>(used) * 2);
+    return true;
+}
+
+//  "7E8" "10 14 49 02 01 57 50 30" "7E9" "06 41 00 ..." "7E8" "21 ..."
+//   id    frame (1..8 bytes)        id    frame          id    frame
+bool ObdTransporter::splitCanResponse(unsigned int protocol, const std::string& text,
+                                      CanTable& table) const
+{
+    std::string rest = text;
+    do {
+        unsigned int ecuId = 0;
+        if (!extractEcuId(protocol, rest, ecuId)) {
+            OBD_ERROR << "Failed to extract ECU id";
+            return false;
+        }
+        std::unique_ptr<CanResponse>& response = table[ecuId];
+        if (!response)
+            response.reset(new CanResponse(protocol));
+        if (!addCanFrame(rest, *response)) {
+            OBD_ERROR << "Failed to extract message payload";
+            return false;
+        }
+    } while (!rest.empty());
+    return true;
+}
+
+bool ObdTransporter::parseCanResponse(unsigned int protocol, const std::string& text,
+                                      ObdParameter* parameter) const
+{
+    CanTable table;
+    if (!splitCanResponse(protocol, text, table))
+        return false;
+    for (const auto& entry : table) {
+        std::vector<unsigned char> payload;
+        if (!entry.second->getPayload(payload)) {
+            // Later ECUs are not delivered: the reply as a whole is suspect.
+            OBD_DEBUG << "Invalid data received for " << entry.first;
+            return false;
+        }
+        deliver(protocol, entry.first, payload, parameter);
+    }
+    return true;
+}
+
+//  +--------+--------+--------+------------------+----------+
+//  | format | target | source | data (format&3F) | checksum |
+//  | 10LLLLLL        |  = id  |                  |          |
+//  +--------+--------+--------+------------------+----------+
+bool ObdTransporter::splitKwpResponse(const std::vector<unsigned char>& bytes,
+                                      ByteTable& table) const
+{
+    size_t pos = 0;
+    while (pos < bytes.size()) {
+        size_t remaining = bytes.size() - pos;
+        if (remaining < 3) {
+            OBD_ERROR << "Not enough data: " << remaining << " vs " << 3;
+            return false;
+        }
+        const unsigned char format = bytes[pos];
+        const unsigned char source = bytes[pos + 2];
+        pos += 3;
+        remaining -= 3;
+        // Tolerated on purpose: the length field still splits the message.
+        if ((format & 0xC0) != 0x80)
+            OBD_DEBUG << "Invalid header bit: " << static_cast<unsigned int>(format);
+        const size_t length = format & 0x3F;
+        if (length + 1 > remaining) {
+            OBD_ERROR << "Not enough data: " << remaining << " vs " << length + 1;
+            return false;
+        }
+        std::vector<unsigned char>& data = table[source];
+        data.insert(data.end(), bytes.begin() + pos, bytes.begin() + pos + length);
+        pos += length + 1;
+    }
+    return true;
+}
+
+//  +----+----+--------+-----------------+----------+  +----+----+--------+ ...
+//  | h0 | h1 | source | data (?)        | checksum |  | h0 | h1 | source |
+//  +----+----+--------+-----------------+----------+  +----+----+--------+ ...
+// No length field: a line ends where h0 h1 appear again. A data byte pair
+// equal to h0 h1 splits the line there; the guess is only a guess.
+bool ObdTransporter::splitGuessedResponse(const std::vector<unsigned char>& bytes,
+                                          ByteTable& table) const
+{
+    size_t pos = 0;
+    while (pos < bytes.size()) {
+        size_t remaining = bytes.size() - pos;
+        if (remaining < 3) {
+            OBD_ERROR << "Not enough data: " << remaining << " vs " << 3;
+            return false;
+        }
+        const unsigned char h0 = bytes[pos];
+        const unsigned char h1 = bytes[pos + 1];
+        const unsigned char source = bytes[pos + 2];
+        pos += 3;
+        remaining -= 3;
+
+        size_t lineLength = remaining;
+        if (remaining >= 3) {
+            for (size_t i = 0; i <= remaining - 3; ++i) {
+                if (bytes[pos + i] == h0 && bytes[pos + i + 1] == h1) {
+                    lineLength = i;
+                    if (bytes[pos + i + 2] == source)
+                        OBD_DEBUG << "Guessing response to be multiline";
+                    else
+                        OBD_DEBUG << "Guessing response to be multi ECU";
+                    break;
+                }
+            }
+        }
+        std::vector<unsigned char>& data = table[source];
+        // The last byte of a line is its checksum.
+        if (lineLength > 0)
+            data.insert(data.end(), bytes.begin() + pos, bytes.begin() + pos + lineLength - 1);
+        pos += lineLength;
+    }
+    return true;
+}
+
+bool ObdTransporter::parseNonCanResponse(unsigned int protocol, const std::string& text,
+                                         ObdParameter* parameter) const
+{
+    std::vector<unsigned char> bytes;
+    if (!hexToBytes(text, bytes)) {
+        OBD_ERROR << "Failed to convert response to bytes";
+        return false;
+    }
+    ByteTable table;
+    bool split = false;
+    if (protocol == PROTOCOL_KWP2000)
+        split = splitKwpResponse(bytes, table);
+    else if (protocol == PROTOCOL_ISO9141 || protocol == PROTOCOL_J1850)
+        split = splitGuessedResponse(bytes, table);
+    if (!split)
+        return false;
+    for (const auto& entry : table)
+        deliver(protocol, entry.first, entry.second, parameter);
+    return true;
+}
+
+} // namespace Obd

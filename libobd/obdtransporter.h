@@ -1,0 +1,56 @@
+#ifndef OBD_OBDTRANSPORTER_H
+#define OBD_OBDTRANSPORTER_H
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Obd {
+
+class CanResponse;
+class IObdProxy;
+class ObdParameter;
+
+enum ExchangeResult {
+    ER_OK = 0,      // every ECU's payload delivered (or only rejected by the parameter)
+    ER_NO_DATA = 1, // the scan tool returned an empty response
+    ER_ERROR = 2    // no usable scan tool, or the response could not be split
+};
+
+// Carries one parameter through one request/response exchange and splits
+// the reply into one payload per ECU. Holds no state between calls.
+//
+// Response text is hex digits without spaces or line ends. Text that is not
+// hex (odd length, other characters) is refused: the CAN split fails at the
+// identifier or frame it cannot read, the other paths fail the conversion
+// with "Failed to convert response to bytes"; the exchange gives ER_ERROR.
+class ObdTransporter
+{
+public:
+    // Per exchange, ordered by ECU id.
+    typedef std::map<unsigned int, std::vector<unsigned char>> ByteTable;
+    typedef std::map<unsigned int, std::unique_ptr<CanResponse>> CanTable;
+
+    ObdTransporter();
+    virtual ~ObdTransporter();
+
+    ExchangeResult execute(IObdProxy* provider, ObdParameter* parameter);
+
+    // The steps of an exchange, public so that each can be checked alone.
+    // CAN: takes the identifier off the front of text.
+    bool extractEcuId(unsigned int protocol, std::string& text, unsigned int& ecuId) const;
+    bool splitCanResponse(unsigned int protocol, const std::string& text, CanTable& table) const;
+    bool parseCanResponse(unsigned int protocol, const std::string& text,
+                          ObdParameter* parameter) const;
+    bool splitKwpResponse(const std::vector<unsigned char>& bytes, ByteTable& table) const;
+    bool splitGuessedResponse(const std::vector<unsigned char>& bytes, ByteTable& table) const;
+    bool parseNonCanResponse(unsigned int protocol, const std::string& text,
+                             ObdParameter* parameter) const;
+    // Takes one frame off the front of text (identifier already removed).
+    bool addCanFrame(std::string& text, CanResponse& canResponse) const;
+};
+
+} // namespace Obd
+
+#endif
