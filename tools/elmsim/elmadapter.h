@@ -1,0 +1,73 @@
+#ifndef ELMSIM_ELMADAPTER_H
+#define ELMSIM_ELMADAPTER_H
+
+#include "frameformatter.h"
+#include "obdresponder.h"
+#include "profile.h"
+#include "serveroptions.h"
+
+#include <chrono>
+#include <mutex>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace ElmSim {
+
+class AdapterLink;
+class RuntimeControl;
+class Transcript;
+
+// The ELM327 v1.5 command interpreter of one client session: AT settings,
+// protocol search, OBD requests answered by the profile's ECUs, and the
+// injected faults. Fed one command line at a time.
+class ElmAdapter
+{
+public:
+    ElmAdapter(const ServerOptions& options, Profile& profile, std::mutex& vehicleMutex, RuntimeControl& control,
+               Transcript* transcript, AdapterLink& link, std::chrono::steady_clock::time_point epoch);
+
+    // Handles one line (without its CR). False: close the link now.
+    bool handleLine(const std::string& line);
+
+private:
+    void powerUp();
+    void handleAt(const std::string& command);
+    bool handleObd(const std::string& command);
+    void finish();                       // prompt, transcript, send
+    void addLine(const std::string& text);
+    double vehicleSeconds() const;
+    bool parseRequest(const std::string& command, size_t& maxAnswers);
+    bool searchIfNeeded();               // false: no vehicle found
+
+    // Settings (reset by ATZ, ATWS, ATD).
+    bool m_echo;
+    bool m_lineFeeds;
+    DisplaySettings m_display;
+    int m_protocol;                      // 0 automatic, 1..9 set
+    bool m_automatic;
+    bool m_searched;                     // a search found the vehicle
+    bool m_busInitDone;
+    unsigned int m_baudTimeoutMs;
+    bool m_awaitingBaudConfirm;
+
+    const ServerOptions& m_options;
+    Profile& m_profile;
+    std::mutex& m_vehicleMutex;
+    RuntimeControl& m_control;
+    Transcript* m_transcript;
+    AdapterLink& m_link;
+    std::chrono::steady_clock::time_point m_epoch;
+    ObdResponder m_responder;
+    FrameFormatter m_formatter;
+    std::string m_banner;
+    std::string m_lastCommand;
+    std::string m_out;                   // reply under construction
+    std::vector<uint8_t> m_request;
+    std::vector<EcuAnswer> m_answers;
+    std::minstd_rand m_random;
+};
+
+} // namespace ElmSim
+
+#endif
