@@ -1,0 +1,177 @@
+#include "settingsviewmodel.h"
+
+#include "navigationmodel.h"
+#include "settingsmodel.h"
+
+#include <QRegularExpression>
+#include <QStringList>
+#include <QVariant>
+
+namespace Harmattan {
+
+const char* const SettingsViewModel::IP_ADDRESS_PROBLEM
+    = "Enter a dotted IPv4 address such as 192.168.0.10, or a host name";
+const char* const SettingsViewModel::IP_ADDRESS_UNSET_PROBLEM
+    = "0.0.0.0 is not an adapter address";
+const char* const SettingsViewModel::IP_PORT_PROBLEM = "Enter a port number from 1 to 65535";
+
+namespace {
+
+const char* const METHOD_BLUETOOTH = "bluetooth";
+const char* const METHOD_WIFI = "wifi";
+const int MAX_HOST_NAME_LENGTH = 253;
+
+bool isDottedIpv4(const QString& text)
+{
+    const QStringList parts = text.split(QLatin1Char('.'));
+    if (parts.size() != 4)
+        return false;
+    for (const QString& part : parts) {
+        if (part.isEmpty() || part.size() > 3)
+            return false;
+        bool ok = false;
+        const int value = part.toInt(&ok, 10);
+        if (!ok || value < 0 || value > 255)
+            return false;
+    }
+    return true;
+}
+
+bool isHostName(const QString& text)
+{
+    static const QRegularExpression label(
+        QStringLiteral("^[A-Za-z0-9]([A-Za-z0-9-]{0,61}[A-Za-z0-9])?$"));
+    if (text.isEmpty() || text.size() > MAX_HOST_NAME_LENGTH)
+        return false;
+    const QStringList labels = text.split(QLatin1Char('.'));
+    for (const QString& part : labels) {
+        if (!label.match(part).hasMatch())
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
+SettingsViewModel::SettingsViewModel(Obd::SettingsModel* settings,
+                                     NavigationModel* navigationModel, QObject* parent)
+    : QObject(parent)
+    , m_settings(settings)
+    , m_navigationModel(navigationModel)
+{
+    // A device chosen on the search screen shows up on this screen below it.
+    connect(m_settings, &Obd::SettingsModel::bluetoothDeviceNameChanged, this,
+            &SettingsViewModel::updateBluetoothDevice);
+    connect(m_settings, &Obd::SettingsModel::bluetoothDeviceAddressChanged, this,
+            &SettingsViewModel::updateBluetoothDevice);
+}
+
+void SettingsViewModel::setView(QObject* view)
+{
+    m_view = view;
+    if (!m_view)
+        return;
+    setViewProperty("connectionMethodText", methodText(m_settings->connectionMethod()));
+    setViewProperty("bluetoothDevice", m_settings->bluetoothDeviceName());
+    setViewProperty("bluetoothAddress", m_settings->bluetoothDeviceAddress());
+    setViewProperty("ipAddress", m_settings->ipAddress());
+    setViewProperty("ipPort", m_settings->ipPort());
+    setViewProperty("ipAddressError", QString());
+    setViewProperty("ipPortError", QString());
+
+    connect(m_view, &QObject::destroyed, this, &SettingsViewModel::onViewDestroyed);
+    connect(m_view, SIGNAL(connectionMethodChanged(QString)), this,
+            SLOT(onViewConnectionMethodChanged(QString)));
+    // The screen's ipAddress/ipPort properties already own the ...Changed() names.
+    connect(m_view, SIGNAL(ipAddressEdited(QString)), this, SLOT(onViewIpAddressChanged(QString)));
+    connect(m_view, SIGNAL(ipPortEdited(QString)), this, SLOT(onViewIpPortChanged(QString)));
+    connect(m_view, SIGNAL(searchBluetoothDevices()), this, SLOT(onShowBluetoothSearch()));
+}
+
+void SettingsViewModel::setContext(QQmlContext*)
+{
+}
+
+QString SettingsViewModel::methodText(int method)
+{
+    switch (method) {
+    case Obd::SettingsModel::CM_BLUETOOTH:
+        return QString::fromLatin1(METHOD_BLUETOOTH);
+    case Obd::SettingsModel::CM_WIFI:
+        return QString::fromLatin1(METHOD_WIFI);
+    default:
+        return QString();
+    }
+}
+
+QString SettingsViewModel::ipAddressProblem(const QString& address)
+{
+    const QString text = address.trimmed();
+    if (text == QLatin1String(Obd::SettingsModel::DEFAULT_IP_ADDRESS))
+        return QString::fromLatin1(IP_ADDRESS_UNSET_PROBLEM);
+    // All digits and dots: meant as an IPv4 address, so it must be one.
+    static const QRegularExpression numeric(QStringLiteral("^[0-9.]+$"));
+    if (numeric.match(text).hasMatch())
+        return isDottedIpv4(text) ? QString() : QString::fromLatin1(IP_ADDRESS_PROBLEM);
+    return isHostName(text) ? QString() : QString::fromLatin1(IP_ADDRESS_PROBLEM);
+}
+
+QString SettingsViewModel::ipPortProblem(const QString& port)
+{
+    static const QRegularExpression digits(QStringLiteral("^[0-9]{1,5}$"));
+    const QString text = port.trimmed();
+    if (!digits.match(text).hasMatch())
+        return QString::fromLatin1(IP_PORT_PROBLEM);
+    const int value = text.toInt();
+    if (value < 1 || value > 65535)
+        return QString::fromLatin1(IP_PORT_PROBLEM);
+    return QString();
+}
+
+void SettingsViewModel::onViewConnectionMethodChanged(QString method)
+{
+    if (method == QLatin1String(METHOD_BLUETOOTH))
+        m_settings->setConnectionMethod(Obd::SettingsModel::CM_BLUETOOTH);
+    else if (method == QLatin1String(METHOD_WIFI))
+        m_settings->setConnectionMethod(Obd::SettingsModel::CM_WIFI);
+}
+
+void SettingsViewModel::onViewIpAddressChanged(QString address)
+{
+    const QString problem = ipAddressProblem(address);
+    setViewProperty("ipAddressError", problem);
+    if (problem.isEmpty())
+        m_settings->setIpAddress(address.trimmed());
+}
+
+void SettingsViewModel::onViewIpPortChanged(QString port)
+{
+    const QString problem = ipPortProblem(port);
+    setViewProperty("ipPortError", problem);
+    if (problem.isEmpty())
+        m_settings->setIpPort(QString::number(port.trimmed().toInt()));
+}
+
+void SettingsViewModel::onShowBluetoothSearch()
+{
+    m_navigationModel->activateView(NavigationModel::BluetoothSearchView);
+}
+
+void SettingsViewModel::onViewDestroyed()
+{
+    m_view = nullptr;
+}
+
+void SettingsViewModel::updateBluetoothDevice()
+{
+    setViewProperty("bluetoothDevice", m_settings->bluetoothDeviceName());
+    setViewProperty("bluetoothAddress", m_settings->bluetoothDeviceAddress());
+}
+
+void SettingsViewModel::setViewProperty(const char* name, const QVariant& value)
+{
+    if (m_view)
+        m_view->setProperty(name, value);
+}
+
+} // namespace Harmattan

@@ -1,0 +1,61 @@
+#ifndef HARMATTAN_SETTINGSVIEWMODEL_H
+#define HARMATTAN_SETTINGSVIEWMODEL_H
+
+#include "iviewmodel.h"
+
+#include <QObject>
+#include <QPointer>
+#include <QString>
+
+namespace Obd {
+class SettingsModel;
+}
+
+namespace Harmattan {
+
+class NavigationModel;
+
+// The settings screen: connection method, Bluetooth device, IP address and
+// port. Input is checked before it reaches the settings model.
+class SettingsViewModel : public QObject, public IViewModel
+{
+    Q_OBJECT
+
+public:
+    static const char* const IP_ADDRESS_PROBLEM;
+    static const char* const IP_ADDRESS_UNSET_PROBLEM;
+    static const char* const IP_PORT_PROBLEM;
+
+    SettingsViewModel(Obd::SettingsModel* settings, NavigationModel* navigationModel,
+                      QObject* parent = nullptr);
+
+    void setView(QObject* view) override;
+    void setContext(QQmlContext* context) override;
+
+    // What is wrong with the text, or empty when it may be stored.
+    static QString ipAddressProblem(const QString& address);
+    static QString ipPortProblem(const QString& port);
+
+    static QString methodText(int method);
+
+public slots:
+    void onViewConnectionMethodChanged(QString method);
+    void onViewIpAddressChanged(QString address);
+    void onViewIpPortChanged(QString port);
+    void onShowBluetoothSearch();
+    void onViewDestroyed();
+
+private slots:
+    void updateBluetoothDevice();
+
+private:
+    void setViewProperty(const char* name, const QVariant& value);
+
+    Obd::SettingsModel* m_settings;
+    NavigationModel* m_navigationModel;
+    QPointer<QObject> m_view;
+};
+
+} // namespace Harmattan
+
+#endif

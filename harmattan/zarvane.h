@@ -1,0 +1,58 @@
+#ifndef HARMATTAN_ZARVANE_H
+#define HARMATTAN_ZARVANE_H
+
+#include <QObject>
+
+class QQmlContext;
+
+namespace Obd {
+class SettingsModel;
+}
+
+namespace Harmattan {
+
+class BluetoothSearchViewModel;
+class ConnectionManager;
+class IViewModel;
+class MainViewModel;
+class NavigationModel;
+class SettingsViewModel;
+
+// The application object: builds the user interface's object graph over
+// the loaded root QML document and owns all of it.
+class Zarvane : public QObject
+{
+    Q_OBJECT
+
+public:
+    static const char* const QML_URI;
+
+    Zarvane(QObject* rootObject, QQmlContext* rootContext);
+    ~Zarvane() override;
+
+    // The application's QML types, before the root document is loaded.
+    static void registerQmlTypes();
+
+    NavigationModel* navigationModel() const;
+    Obd::SettingsModel* settingsModel() const;
+    ConnectionManager* connectionManager() const;
+    MainViewModel* mainViewModel() const;
+    SettingsViewModel* settingsViewModel() const;
+    BluetoothSearchViewModel* bluetoothSearchViewModel() const;
+
+private:
+    // Publishes a new view model's data before the next one is created.
+    void publish(IViewModel* viewModel);
+
+    QQmlContext* m_rootContext;
+    NavigationModel* m_navigationModel;
+    Obd::SettingsModel* m_settingsModel;
+    ConnectionManager* m_connectionManager;
+    MainViewModel* m_mainViewModel;
+    SettingsViewModel* m_settingsViewModel;
+    BluetoothSearchViewModel* m_bluetoothSearchViewModel;
+};
+
+} // namespace Harmattan
+
+#endif

@@ -1,0 +1,7 @@
+import QtQuick
+
+PlaceholderPage {
+    objectName: "dashboardView"
+    title: "Dashboard"
+    image: "qrc:///monitoring.png"
+}

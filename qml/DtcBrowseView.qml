@@ -1,0 +1,7 @@
+import QtQuick
+
+PlaceholderPage {
+    objectName: "dtcBrowseView"
+    title: "Browse Codes"
+    image: "qrc:///search.png"
+}

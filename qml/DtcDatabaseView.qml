@@ -1,0 +1,7 @@
+import QtQuick
+
+PlaceholderPage {
+    objectName: "dtcDatabaseView"
+    title: "DTC Database"
+    image: "qrc:///search.png"
+}

@@ -1,0 +1,7 @@
+import QtQuick
+
+PlaceholderPage {
+    objectName: "dtcSearchView"
+    title: "Search Codes"
+    image: "qrc:///search.png"
+}

@@ -1,0 +1,7 @@
+import QtQuick
+
+PlaceholderPage {
+    objectName: "ecuInformationView"
+    title: "ECU"
+    image: "qrc:///information.png"
+}

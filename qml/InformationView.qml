@@ -1,0 +1,7 @@
+import QtQuick
+
+PlaceholderPage {
+    objectName: "informationView"
+    title: "Information"
+    image: "qrc:///information.png"
+}

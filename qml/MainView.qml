@@ -1,0 +1,287 @@
+import QtQuick
+import QtQuick.Controls.Basic
+
+// The start screen: the four main functions and the connection button.
+ZPage {
+    id: page
+
+    property string avatarImage
+    property string buttonText: "Open connection"
+    property string buttonIcon
+    property bool buttonStatus: true
+    property int connectionStatus: 0
+
+    signal connectionButtonClicked()
+    signal settingsButtonClicked()
+    signal aboutButtonClicked()
+    signal clicked(int index)
+
+    title: "Zarvane"
+    showBack: false
+
+    readonly property var statusTexts: ["Not connected", "Connecting to the adapter...", "Connected"]
+    readonly property var statusColors: [Theme.textDim, Theme.accent, Theme.ok]
+
+    header: Rectangle {
+        implicitHeight: 88
+        color: Theme.surface
+
+        Rectangle {
+            anchors.left: parent.left
+            anchors.right: parent.right
+            anchors.bottom: parent.bottom
+            height: 1
+            color: Theme.divider
+        }
+
+        Image {
+            id: avatar
+            anchors.left: parent.left
+            anchors.leftMargin: Theme.margin
+            anchors.verticalCenter: parent.verticalCenter
+            width: 56
+            height: 56
+            sourceSize.width: 112
+            sourceSize.height: 112
+            source: page.avatarImage
+        }
+
+        Column {
+            anchors.left: avatar.right
+            anchors.leftMargin: 12
+            anchors.right: tools.left
+            anchors.verticalCenter: parent.verticalCenter
+            spacing: 2
+            Text {
+                text: page.title
+                color: Theme.text
+                font.pixelSize: Theme.fontTitle
+                font.bold: true
+            }
+            Row {
+                spacing: 6
+                Rectangle {
+                    width: 10
+                    height: 10
+                    radius: 5
+                    anchors.verticalCenter: parent.verticalCenter
+                    color: page.statusColors[page.connectionStatus] || Theme.textDim
+                }
+                Text {
+                    objectName: "statusText"
+                    text: page.statusTexts[page.connectionStatus] || ""
+                    color: Theme.textDim
+                    font.pixelSize: Theme.fontSmall
+                }
+            }
+        }
+
+        Row {
+            id: tools
+            anchors.right: parent.right
+            anchors.rightMargin: 8
+            anchors.verticalCenter: parent.verticalCenter
+            spacing: 2
+
+            ToolButton {
+                id: settingsButton
+                objectName: "settingsButton"
+                width: 52
+                height: 52
+                onClicked: page.settingsButtonClicked()
+                contentItem: Image {
+                    source: "qrc:///settings.png"
+                    sourceSize.width: 64
+                    sourceSize.height: 64
+                    fillMode: Image.PreserveAspectFit
+                    anchors.margins: 10
+                }
+                background: Rectangle {
+                    radius: width / 2
+                    color: settingsButton.pressed ? Theme.pressed : "transparent"
+                }
+            }
+            ToolButton {
+                id: aboutButton
+                objectName: "aboutButton"
+                width: 52
+                height: 52
+                onClicked: page.aboutButtonClicked()
+                contentItem: Image {
+                    source: "qrc:///about.png"
+                    sourceSize.width: 64
+                    sourceSize.height: 64
+                    fillMode: Image.PreserveAspectFit
+                }
+                background: Rectangle {
+                    radius: width / 2
+                    color: aboutButton.pressed ? Theme.pressed : "transparent"
+                }
+            }
+        }
+    }
+
+    ListView {
+        id: list
+        objectName: "mainList"
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.top: parent.top
+        anchors.bottom: connectionPanel.top
+        anchors.topMargin: 8
+        clip: true
+        interactive: contentHeight > height
+        model: typeof mainViewDataModel !== "undefined" ? mainViewDataModel : null
+
+        delegate: ItemDelegate {
+            id: row
+            width: ListView.view.width
+            height: Theme.rowHeight
+            onClicked: page.clicked(index)
+
+            background: Rectangle {
+                color: row.pressed ? Theme.pressed : "transparent"
+                Rectangle {
+                    anchors.left: parent.left
+                    anchors.right: parent.right
+                    anchors.bottom: parent.bottom
+                    anchors.leftMargin: 96
+                    height: 1
+                    color: Theme.divider
+                }
+            }
+
+            contentItem: Item {
+                Image {
+                    id: rowImage
+                    anchors.left: parent.left
+                    anchors.leftMargin: 4
+                    anchors.verticalCenter: parent.verticalCenter
+                    width: 60
+                    height: 60
+                    sourceSize.width: 120
+                    sourceSize.height: 120
+                    source: model.image
+                }
+                Column {
+                    anchors.left: rowImage.right
+                    anchors.leftMargin: Theme.margin
+                    anchors.right: chevron.left
+                    anchors.rightMargin: 8
+                    anchors.verticalCenter: parent.verticalCenter
+                    spacing: 4
+                    Text {
+                        width: parent.width
+                        text: model.title
+                        color: Theme.text
+                        font.pixelSize: Theme.fontLarge
+                        font.bold: true
+                        elide: Text.ElideRight
+                    }
+                    Text {
+                        width: parent.width
+                        text: model.subtitle
+                        color: Theme.textDim
+                        font.pixelSize: Theme.fontSmall
+                        elide: Text.ElideRight
+                    }
+                }
+                Text {
+                    id: chevron
+                    anchors.right: parent.right
+                    anchors.verticalCenter: parent.verticalCenter
+                    text: "\u203A"
+                    color: Theme.textDim
+                    font.pixelSize: 34
+                }
+            }
+        }
+    }
+
+    Rectangle {
+        id: connectionPanel
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.bottom: parent.bottom
+        height: 132
+        color: Theme.surface
+
+        Rectangle {
+            anchors.left: parent.left
+            anchors.right: parent.right
+            anchors.top: parent.top
+            height: 1
+            color: Theme.divider
+        }
+
+        Row {
+            id: busyRow
+            anchors.top: parent.top
+            anchors.topMargin: 10
+            anchors.horizontalCenter: parent.horizontalCenter
+            height: 28
+            spacing: 10
+            BusyIndicator {
+                id: busy
+                objectName: "busyIndicator"
+                width: 28
+                height: 28
+                running: page.connectionStatus === 1
+                visible: running
+            }
+            Text {
+                anchors.verticalCenter: parent.verticalCenter
+                text: page.connectionStatus === 1 ? "Opening the connection, please wait..."
+                    : page.connectionStatus === 2 ? "Adapter and vehicle are ready"
+                    : "Tap below to connect to the adapter"
+                color: page.connectionStatus === 1 ? Theme.accent : Theme.textDim
+                font.pixelSize: Theme.fontSmall
+            }
+        }
+
+        Button {
+            id: connectionButton
+            objectName: "connectionButton"
+            anchors.left: parent.left
+            anchors.right: parent.right
+            anchors.bottom: parent.bottom
+            anchors.margins: Theme.margin
+            height: 64
+            enabled: page.buttonStatus
+            onClicked: page.connectionButtonClicked()
+
+            background: Rectangle {
+                radius: Theme.radius
+                color: !connectionButton.enabled ? Theme.surfaceRaised
+                     : page.connectionStatus === 2 ? (connectionButton.pressed ? Theme.pressed : Theme.surfaceRaised)
+                     : (connectionButton.pressed ? Qt.darker(Theme.accent, 1.2) : Theme.accent)
+                border.color: page.connectionStatus === 2 ? Theme.ok : "transparent"
+                border.width: 2
+            }
+            contentItem: Item {
+                Row {
+                    anchors.centerIn: parent
+                    spacing: 12
+                    Image {
+                        anchors.verticalCenter: parent.verticalCenter
+                        width: 32
+                        height: 32
+                        sourceSize.width: 64
+                        sourceSize.height: 64
+                        source: page.buttonIcon
+                        visible: page.buttonIcon !== ""
+                        opacity: connectionButton.enabled ? 1 : 0.4
+                    }
+                    Text {
+                        anchors.verticalCenter: parent.verticalCenter
+                        text: page.buttonText
+                        font.pixelSize: Theme.fontLarge
+                        font.bold: true
+                        color: !connectionButton.enabled ? Theme.textDim
+                             : page.connectionStatus === 2 ? Theme.text : Theme.accentText
+                    }
+                }
+            }
+        }
+    }
+}

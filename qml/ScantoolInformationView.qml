@@ -1,0 +1,7 @@
+import QtQuick
+
+PlaceholderPage {
+    objectName: "scantoolInformationView"
+    title: "Scantool"
+    image: "qrc:///information.png"
+}

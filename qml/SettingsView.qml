@@ -1,0 +1,236 @@
+import QtQuick
+import QtQuick.Controls.Basic
+
+// Connection settings: how the adapter is reached and where it is.
+ZPage {
+    id: page
+
+    property string connectionMethodText: "bluetooth"
+    property string bluetoothDevice: "None"
+    property string bluetoothAddress: "00:00:00:00:00:00"
+    property string ipAddress: "0.0.0.0"
+    property string ipPort: "0"
+    property string ipAddressError
+    property string ipPortError
+
+    signal connectionMethodChanged(string method)
+    // ipAddress and ipPort already own the ...Changed() signal names.
+    signal ipAddressEdited(string address)
+    signal ipPortEdited(string port)
+    signal searchBluetoothDevices()
+
+    title: "Settings"
+
+    readonly property bool bluetooth: connectionMethodText === "bluetooth"
+
+    component SectionLabel: Text {
+        color: Theme.accent
+        font.pixelSize: Theme.fontSmall
+        font.bold: true
+        font.capitalization: Font.AllUppercase
+        font.letterSpacing: 1
+    }
+
+    component FieldLabel: Text {
+        color: Theme.textDim
+        font.pixelSize: Theme.fontSmall
+    }
+
+    component MethodButton: Button {
+        id: methodButton
+        property bool selected
+        checkable: false
+        height: 52
+        background: Rectangle {
+            radius: Theme.radius
+            color: methodButton.selected ? Theme.accent
+                 : methodButton.pressed ? Theme.pressed : Theme.surfaceRaised
+            border.color: methodButton.selected ? Theme.accent : Theme.divider
+        }
+        contentItem: Text {
+            text: methodButton.text
+            horizontalAlignment: Text.AlignHCenter
+            verticalAlignment: Text.AlignVCenter
+            font.pixelSize: Theme.fontNormal
+            font.bold: true
+            color: methodButton.selected ? Theme.accentText : Theme.text
+        }
+    }
+
+    component Field: TextField {
+        id: field
+        property bool invalid
+        height: 52
+        color: Theme.text
+        placeholderTextColor: Theme.textDim
+        selectionColor: Theme.accent
+        selectedTextColor: Theme.accentText
+        font.pixelSize: Theme.fontNormal
+        leftPadding: 14
+        background: Rectangle {
+            radius: Theme.radius
+            color: Theme.surfaceRaised
+            border.width: field.activeFocus || field.invalid ? 2 : 1
+            border.color: field.invalid ? Theme.danger : field.activeFocus ? Theme.accent : Theme.divider
+        }
+    }
+
+    Flickable {
+        anchors.fill: parent
+        contentHeight: form.implicitHeight + 2 * Theme.margin
+        clip: true
+
+        Column {
+            id: form
+            x: Theme.margin
+            y: Theme.margin
+            width: parent.width - 2 * Theme.margin
+            spacing: 12
+
+            SectionLabel { text: "Connection method" }
+
+            Row {
+                width: parent.width
+                spacing: 12
+                MethodButton {
+                    objectName: "bluetoothButton"
+                    width: (parent.width - parent.spacing) / 2
+                    text: "Bluetooth"
+                    selected: page.bluetooth
+                    onClicked: page.connectionMethodChanged("bluetooth")
+                }
+                MethodButton {
+                    objectName: "wifiButton"
+                    width: (parent.width - parent.spacing) / 2
+                    text: "Wi-Fi"
+                    selected: page.connectionMethodText === "wifi"
+                    onClicked: page.connectionMethodChanged("wifi")
+                }
+            }
+
+            Item { width: 1; height: 8 }
+
+            Column {
+                width: parent.width
+                spacing: 12
+                visible: page.bluetooth
+
+                SectionLabel { text: "Bluetooth adapter" }
+
+                Rectangle {
+                    width: parent.width
+                    height: 76
+                    radius: Theme.radius
+                    color: Theme.surface
+                    border.color: Theme.divider
+                    Column {
+                        anchors.left: parent.left
+                        anchors.right: parent.right
+                        anchors.verticalCenter: parent.verticalCenter
+                        anchors.leftMargin: 14
+                        spacing: 4
+                        Text {
+                            objectName: "bluetoothDeviceText"
+                            text: page.bluetoothDevice === "None" ? "No device chosen" : page.bluetoothDevice
+                            color: Theme.text
+                            font.pixelSize: Theme.fontNormal
+                            font.bold: true
+                        }
+                        Text {
+                            text: page.bluetoothAddress
+                            color: Theme.textDim
+                            font.pixelSize: Theme.fontSmall
+                            font.family: "monospace"
+                        }
+                    }
+                }
+
+                Button {
+                    id: searchButton
+                    objectName: "searchButton"
+                    width: parent.width
+                    height: 52
+                    text: "Search for devices"
+                    onClicked: page.searchBluetoothDevices()
+                    background: Rectangle {
+                        radius: Theme.radius
+                        color: searchButton.pressed ? Theme.pressed : Theme.surfaceRaised
+                        border.color: Theme.accent
+                    }
+                    contentItem: Text {
+                        text: searchButton.text
+                        horizontalAlignment: Text.AlignHCenter
+                        verticalAlignment: Text.AlignVCenter
+                        color: Theme.accent
+                        font.pixelSize: Theme.fontNormal
+                        font.bold: true
+                    }
+                }
+            }
+
+            Column {
+                width: parent.width
+                spacing: 8
+                visible: !page.bluetooth
+
+                SectionLabel { text: "Wi-Fi adapter" }
+
+                FieldLabel { text: "IP address or host name" }
+                Field {
+                    id: ipField
+                    objectName: "ipAddressField"
+                    width: parent.width
+                    text: page.ipAddress
+                    invalid: page.ipAddressError !== ""
+                    placeholderText: "192.168.0.10"
+                    inputMethodHints: Qt.ImhNoAutoUppercase | Qt.ImhNoPredictiveText
+                    onEditingFinished: page.ipAddressEdited(text)
+                }
+                Text {
+                    objectName: "ipAddressErrorText"
+                    width: parent.width
+                    visible: page.ipAddressError !== ""
+                    text: page.ipAddressError
+                    color: Theme.danger
+                    font.pixelSize: Theme.fontSmall
+                    wrapMode: Text.WordWrap
+                }
+
+                Item { width: 1; height: 4 }
+
+                FieldLabel { text: "Port" }
+                Field {
+                    id: portField
+                    objectName: "ipPortField"
+                    width: parent.width
+                    text: page.ipPort
+                    invalid: page.ipPortError !== ""
+                    placeholderText: "35000"
+                    inputMethodHints: Qt.ImhDigitsOnly
+                    onEditingFinished: page.ipPortEdited(text)
+                }
+                Text {
+                    objectName: "ipPortErrorText"
+                    width: parent.width
+                    visible: page.ipPortError !== ""
+                    text: page.ipPortError
+                    color: Theme.danger
+                    font.pixelSize: Theme.fontSmall
+                    wrapMode: Text.WordWrap
+                }
+            }
+
+            Item { width: 1; height: 8 }
+
+            Text {
+                width: parent.width
+                wrapMode: Text.WordWrap
+                color: Theme.textDim
+                font.pixelSize: Theme.fontSmall
+                text: page.bluetooth
+                      ? "Pair the adapter with this device first, then choose it from the search."
+                      : "Join the adapter's Wi-Fi network first. Most adapters listen on 192.168.0.10, port 35000."
+            }
+        }
+    }
+}

@@ -1,0 +1,7 @@
+import QtQuick
+
+PlaceholderPage {
+    objectName: "storedDtcView"
+    title: "Stored Codes"
+    image: "qrc:///mil_off.png"
+}
