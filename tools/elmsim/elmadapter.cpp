@@ -103,8 +103,19 @@ void ElmAdapter::finish()
         m_out.push_back(c);
     }
     m_out.push_back('>');
+    if (m_transcript) {
+        m_sent += m_out;
+        m_transcript->reply(m_sent);
+    }
+    m_sent.clear();
+    m_link.send(m_out);
+    m_out.clear();
+}
+
+void ElmAdapter::sendPartial()
+{
     if (m_transcript)
-        m_transcript->reply(m_out);
+        m_sent += m_out;
     m_link.send(m_out);
     m_out.clear();
 }
@@ -125,6 +136,7 @@ bool ElmAdapter::handleLine(const std::string& line)
     }
 
     m_out.clear();
+    m_sent.clear();
     if (m_echo) {
         m_out += line;
         m_out += m_display.lineEnd;
@@ -240,11 +252,11 @@ void ElmAdapter::handleAt(const std::string& c)
             // On TCP the rate never really changes: the adapter still shows
             // its identity after the switch and waits for the CR.
             addLine("OK");
-            m_link.send(m_out);
-            m_out.clear();
+            sendPartial();
             if (!m_link.pause(m_baudTimeoutMs))
                 return;
-            m_link.send(m_banner + m_display.lineEnd);
+            addLine(m_banner);
+            sendPartial();
             m_awaitingBaudConfirm = true;
             return;
         }
@@ -300,8 +312,7 @@ bool ElmAdapter::searchIfNeeded()
     if (m_automatic && !m_searched) {
         // The search prints its word at once, the outcome when it is done.
         addLine("SEARCHING...");
-        m_link.send(m_out);
-        m_out.clear();
+        sendPartial();
         if (!m_link.pause(m_options.searchDelayMs))
             return false;
         if (m_profile.protocol == 0) {

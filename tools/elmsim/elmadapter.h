@@ -35,6 +35,7 @@ private:
     void handleAt(const std::string& command);
     bool handleObd(const std::string& command);
     void finish();                       // prompt, transcript, send
+    void sendPartial();                  // text that goes out before a wait
     void addLine(const std::string& text);
     double vehicleSeconds() const;
     bool parseRequest(const std::string& command, size_t& maxAnswers);
@@ -63,6 +64,7 @@ private:
     std::string m_banner;
     std::string m_lastCommand;
     std::string m_out;                   // reply under construction
+    std::string m_sent;                  // parts of it already sent (for the transcript)
     std::vector<uint8_t> m_request;
     std::vector<EcuAnswer> m_answers;
     std::minstd_rand m_random;
