@@ -59,12 +59,15 @@ void RuntimeControl::logLine(const std::string& line)
 {
     std::lock_guard<std::mutex> lock(m_mutex);
     m_requestLog.push_back(line);
+    // A long-running simulator must not grow without bound.
+    if (m_requestLog.size() > MAX_LOG)
+        m_requestLog.pop_front();
 }
 
 std::vector<std::string> RuntimeControl::requestLog() const
 {
     std::lock_guard<std::mutex> lock(m_mutex);
-    return m_requestLog;
+    return std::vector<std::string>(m_requestLog.begin(), m_requestLog.end());
 }
 
 } // namespace ElmSim

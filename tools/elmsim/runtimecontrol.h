@@ -4,6 +4,7 @@
 #include "serveroptions.h"
 
 #include <atomic>
+#include <deque>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -37,6 +38,7 @@ public:
     void countRequest() { ++m_requestCount; }
     int requestCount() const { return m_requestCount; }
     void logLine(const std::string& line);
+    static constexpr size_t MAX_LOG = 100000;
     std::vector<std::string> requestLog() const;
 
 private:
@@ -51,7 +53,7 @@ private:
     int m_errorCount;
     int m_dropAfter;
     int m_dropRemaining;
-    std::vector<std::string> m_requestLog;
+    std::deque<std::string> m_requestLog;      // the most recent MAX_LOG lines
 };
 
 } // namespace ElmSim

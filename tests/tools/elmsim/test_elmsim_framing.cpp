@@ -88,6 +88,22 @@ const std::vector<FramingRow> ROWS = {
     { "KWP legacy info types with message count", "kwp", { "ATSP5" }, "0900",
       "49 00 01 FF 40 00 00 \r49 00 01 30 00 00 00 \r\r>" },
 
+    { "KWP legacy message count of the VIN", "kwp", { "ATSP5" }, "0901", "49 01 05 \r\r>" },
+    { "KWP legacy verification number, one per line", "kwp", { "ATSP5" }, "0906",
+      "49 06 01 CA FE 01 01 \r\r>" },
+    { "KWP legacy ECU name in five lines", "kwp", { "ATSP5" }, "090A",
+      "49 0A 01 45 43 4D 00 \r49 0A 02 2D 45 6E 67 \r49 0A 03 69 6E 65 43 \r49 0A 04 6F 6E 74 72 \r"
+      "49 0A 05 6F 6C 00 00 \r\r>" },
+    { "KWP oxygen sensor TIDs for the sensors of the PID 1D layout", "kwp", { "ATSP5" }, "0500",
+      "45 00 01 FF C0 00 00 \r45 00 02 03 00 00 00 \r\r>" },
+
+    // ---- diesel ---------------------------------------------------------
+    { "diesel compression-ignition counters, headers off, 39 bytes", "diesel", { "ATSP6" }, "090B",
+      "027\r0: 49 0B 12 00 E9 02 \r1: BC 00 DC 00 E9 00 00 \r2: 00 00 00 00 00 00 00 \r"
+      "3: C9 00 E9 00 E1 00 E9 \r4: 00 E6 00 E9 00 E4 00 \r5: E9 00 E7 00 E9 \r\r>" },
+    { "diesel filler 55 not shown on single frames", "diesel", { "ATSP6", "ATH1" }, "0101",
+      "7E8 06 41 01 81 0F EB 40 \r\r>" },
+
     // ---- ISO 9141-2 ---------------------------------------------------
     { "ISO 9141 header 48 6B, sum checksum", "iso9141", { "ATSP3", "ATH1" }, "010C",
       "48 6B 10 41 0C 0A 28 42 \r\r>" },
