@@ -1,0 +1,101 @@
+#include "obdparameterupdater.h"
+
+#include "iobdproxy.h"
+#include "obdparameter.h"
+#include "obdtransporter.h"
+#include "trlog.h"
+
+#include <QElapsedTimer>
+#include <QThread>
+
+namespace Obd {
+
+ObdParameterUpdater::ObdParameterUpdater(ObdParameter* parameter)
+    : QObject(nullptr)
+    , m_proxy(nullptr)
+    , m_parameter(parameter)
+    , m_averageUpdateTime(0)
+    , m_updateCount(0)
+    , m_cancelled(false)
+{
+}
+
+ObdParameterUpdater::~ObdParameterUpdater()
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    if (m_averageUpdateTime > 0)
+        OBD_DEBUG << "average update time " << m_averageUpdateTime;
+}
+
+void ObdParameterUpdater::setProxy(IObdProxy* proxy)
+{
+    m_proxy.store(proxy);
+}
+
+IObdProxy* ObdParameterUpdater::getProxy() const
+{
+    return m_proxy.load();
+}
+
+int ObdParameterUpdater::getAverageUpdateTime() const
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    return m_averageUpdateTime;
+}
+
+unsigned int ObdParameterUpdater::getUpdateCount() const
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    return m_updateCount;
+}
+
+void ObdParameterUpdater::cancel()
+{
+    m_cancelled.store(true);
+}
+
+int ObdParameterUpdater::nextAverage(int average, qint64 elapsedMs, unsigned int count)
+{
+    float mean = static_cast<float>(average)
+                 + (static_cast<float>(elapsedMs) - static_cast<float>(average))
+                       / static_cast<float>(count);
+    return static_cast<int>(mean);
+}
+
+void ObdParameterUpdater::update()
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    bool success = false;
+    IObdProxy* proxy = m_proxy.load();
+    if (!m_cancelled.load() && proxy && m_parameter && proxy->isInitialized()) {
+        QElapsedTimer stopwatch;
+        stopwatch.start();
+        ExchangeResult result = ObdTransporter().execute(proxy, m_parameter);
+        success = (result == ER_OK);
+        ++m_updateCount;
+        m_averageUpdateTime = nextAverage(m_averageUpdateTime, stopwatch.elapsed(), m_updateCount);
+    }
+    emit updateDone(success);
+}
+
+void ObdParameterUpdater::dispose(ObdParameterUpdater* updater, ObdParameter* parameter)
+{
+    if (!updater) {
+        delete parameter;
+        return;
+    }
+    updater->cancel();
+    QThread* thread = updater->thread();
+    if (!thread || thread == QThread::currentThread() || !thread->isRunning()) {
+        // Nothing can deliver a queued update() concurrently.
+        delete updater;
+        delete parameter;
+        return;
+    }
+    // The deferred delete is queued behind any pending update(), so the
+    // parameter outlives every exchange that can still use it.
+    QObject::connect(updater, &QObject::destroyed, [parameter]() { delete parameter; });
+    updater->deleteLater();
+}
+
+} // namespace Obd
