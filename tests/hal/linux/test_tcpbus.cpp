@@ -145,6 +145,10 @@ TEST_F(TcpBusTest, OpenAndCloseLeaveNoDescriptorBehind)
     EXPECT_TRUE(bus.isOpen());
     EXPECT_TRUE(bus.close());
     EXPECT_FALSE(bus.isOpen());
+    // The server closes its end of the link on its own thread when it sees ours go.
+    auto start = std::chrono::steady_clock::now();
+    while (openDescriptors() != before && millisecondsSince(start) < 3000)
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
     EXPECT_EQ(before, openDescriptors());
 }
 
