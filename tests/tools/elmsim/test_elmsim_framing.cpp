@@ -105,15 +105,15 @@ const std::vector<FramingRow> ROWS = {
       "7E8 06 41 01 81 0F EB 40 \r\r>" },
 
     // ---- ISO 9141-2 ---------------------------------------------------
-    { "ISO 9141 header 48 6B, sum checksum", "iso9141", { "ATSP3", "ATH1" }, "010C",
-      "48 6B 10 41 0C 0A 28 42 \r\r>" },
+    { "ISO 9141 slow init shown once, header 48 6B, sum checksum", "iso9141", { "ATSP3", "ATH1" }, "010C",
+      "BUS INIT: ...OK\r48 6B 10 41 0C 0A 28 42 \r\r>" },
     { "ISO 9141 stored codes, three per line, 00 filled", "iso9141", { "ATSP3", "ATH1" }, "03",
-      "48 6B 10 43 03 00 03 01 03 02 12 \r48 6B 10 43 03 03 00 00 00 00 0C \r\r>" },
-    { "ISO 9141 oxygen sensor test", "iso9141", { "ATSP3" }, "050101", "45 01 01 5A 00 00 \r\r>" },
+      "BUS INIT: ...OK\r48 6B 10 43 03 00 03 01 03 02 12 \r48 6B 10 43 03 03 00 00 00 00 0C \r\r>" },
+    { "ISO 9141 oxygen sensor test", "iso9141", { "ATSP3" }, "050101", "BUS INIT: ...OK\r45 01 01 5A 00 00 \r\r>" },
     { "ISO 9141 oxygen sensor TIDs of sensor 1", "iso9141", { "ATSP3" }, "050001",
-      "45 00 01 CF 00 00 00 \r\r>" },
+      "BUS INIT: ...OK\r45 00 01 CF 00 00 00 \r\r>" },
     { "ISO 9141 one test for every sensor", "iso9141", { "ATSP3" }, "0507",
-      "45 07 01 0A 00 50 \r45 07 02 14 00 50 \r45 07 10 0C 00 50 \r45 07 20 16 00 50 \r\r>" },
+      "BUS INIT: ...OK\r45 07 01 0A 00 50 \r45 07 02 14 00 50 \r45 07 10 0C 00 50 \r45 07 20 16 00 50 \r\r>" },
 
     // ---- SAE J1850 ----------------------------------------------------
     { "J1850 VPW header 48 6B, CRC-8", "j1850vpw", { "ATSP2", "ATH1" }, "010C",

@@ -24,6 +24,7 @@ Profile ProfileCatalog::iso9141()
     p.name = "iso9141";
     p.summary = "ISO 9141-2, V6 petrol, engine 0x10 (PID 13 layout, service 05), four stored codes, no 09 0A";
     p.protocol = 3;
+    p.busInitMessage = true;             // with ATSP3 the first request shows the slow init
     p.vehicle.displacementLitres = 3.0;
     p.vehicle.idleRpm = 650.0;
     p.vehicle.ambientC = 24.0;
