@@ -32,6 +32,13 @@ public:
                                     std::vector<std::string>& list) const = 0;
     // data: the bytes after the response header.
     virtual bool decode(unsigned int ecuId, const std::vector<unsigned char>& data) = 0;
+    // The name as shown for one ECU; only the oxygen-sensor PIDs, whose
+    // names follow the ECU's sensor layout, differ from getName().
+    virtual std::string getName(const Ecu& ecu) const
+    {
+        (void)ecu;
+        return getName();
+    }
 
     unsigned char getMode() const;
     void setMode(unsigned char mode);

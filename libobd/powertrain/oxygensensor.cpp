@@ -1,0 +1,10 @@
+#include "oxygensensor.h"
+
+namespace Obd {
+
+std::string OxygenSensor::getName(const Ecu& ecu) const
+{
+    return m_descriptor.name(ecu);
+}
+
+} // namespace Obd
