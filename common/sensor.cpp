@@ -50,7 +50,7 @@ Sensor::Sensor(const Ecu& ecu, PowertrainParameter* parameter, QObject* parent)
 
     if (!parameter)
         return;
-    m_name = QString::fromStdString(parameter->getName());
+    m_name = QString::fromStdString(parameter->getName(ecu));
     m_title = m_name;
 
     std::vector<SensorInfo*> infos;
