@@ -2,6 +2,7 @@
 
 #include "bluetoothbus.h"
 #include "connection.h"
+#include "elmscantool.h"
 #include "interimproxy.h"
 #include "iobdproxy.h"
 #include "iscantool.h"
@@ -9,11 +10,6 @@
 #include "tcpbus.h"
 #include "trlog.h"
 #include "zrvinfo.h"
-
-#if __has_include("elmscantool.h")
-#include "elmscantool.h"
-#define HARMATTAN_HAVE_ELMSCANTOOL 1
-#endif
 
 #include <QTimer>
 #include <QtConcurrent/QtConcurrentRun>
@@ -37,16 +33,6 @@ const int CONNECTIVITY_LOST_TIMEOUT_MS = 4000;
 Obd::IObdProxy* createProxy()
 {
     return new InterimProxy();
-}
-
-Obd::IScantool* createScantool(Obd::IConnection* connection)
-{
-#ifdef HARMATTAN_HAVE_ELMSCANTOOL
-    return Obd::ElmScantool::create(connection);
-#else
-    (void)connection;
-    return nullptr;
-#endif
 }
 
 // A port text that is not a decimal number gives port 0, which cannot connect.
@@ -131,9 +117,13 @@ void ConnectionManager::openThread()
     const int method = m_settings->connectionMethod();
     if (method == Obd::SettingsModel::CM_WIFI) {
         Obd::TcpBus* tcpBus = new Obd::TcpBus();
-        // An unresolvable host leaves the bus unaimed; its open then fails.
-        if (!tcpBus->init(m_settings->ipAddress().toStdString(), portNumber(m_settings->ipPort())))
+        if (!tcpBus->init(m_settings->ipAddress().toStdString(), portNumber(m_settings->ipPort()))) {
+            // An unaimed socket must not be opened: it is a plain connect failure.
             OBD_ERROR << "Cannot resolve " << m_settings->ipAddress().toStdString();
+            delete tcpBus;
+            failOpening(FAILED_TO_CONNECT);
+            return;
+        }
         bus = tcpBus;
     } else if (method == Obd::SettingsModel::CM_BLUETOOTH) {
         Obd::BluetoothBus* bluetoothBus = new Obd::BluetoothBus();
@@ -152,11 +142,7 @@ void ConnectionManager::openThread()
         return;
     }
 
-    m_scantool = createScantool(m_connection);
-    if (!m_scantool) {
-        failOpening(FAILED_TO_IDENTIFY);
-        return;
-    }
+    m_scantool = Obd::ElmScantool::create(m_connection);
     m_scantool->reset();
     if (!m_scantool->identify()) {
         failOpening(FAILED_TO_IDENTIFY);

@@ -14,7 +14,7 @@ int main(int argc, char** argv)
     app.setApplicationName("Zarvane");
     app.setOrganizationName("Quillot");
     app.setOrganizationDomain("quillot.org");
-    app.setApplicationVersion("1.0.0");
+    app.setApplicationVersion(ZARVANE_VERSION);
 
     static Obd::ConsoleLogger logger;
     Obd::TrLog::addLogger(&logger);

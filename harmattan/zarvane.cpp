@@ -99,8 +99,10 @@ Zarvane::Zarvane(QObject* rootObject, QQmlContext* rootContext)
     m_navigationModel->registerDashboardViewModel(dashboardViewModel);
     publish(dashboardViewModel);
 
-    if (m_rootContext)
+    if (m_rootContext) {
         m_rootContext->setContextProperty("mainViewModel", m_mainViewModel);
+        m_rootContext->setContextProperty("applicationVersion", QStringLiteral(ZARVANE_VERSION));
+    }
     if (rootObject) {
         QObject* mainView = rootObject->findChild<QObject*>("mainView");
         if (mainView)

@@ -36,7 +36,7 @@ ZPage {
             }
             Text {
                 anchors.horizontalCenter: parent.horizontalCenter
-                text: "Version " + Qt.application.version
+                text: "Version " + (typeof applicationVersion !== "undefined" ? applicationVersion : "")
                 color: Theme.accent
                 font.pixelSize: Theme.fontNormal
             }

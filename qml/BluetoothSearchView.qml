@@ -33,6 +33,7 @@ ZPage {
                 height: 32
                 running: page.searching
                 visible: running
+                palette.dark: Theme.accent
                 anchors.verticalCenter: parent.verticalCenter
             }
             Text {

@@ -228,6 +228,7 @@ ZPage {
                 height: 28
                 running: page.connectionStatus === 1
                 visible: running
+                palette.dark: Theme.accent
             }
             Text {
                 anchors.verticalCenter: parent.verticalCenter

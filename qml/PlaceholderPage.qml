@@ -28,9 +28,10 @@ ZPage {
             color: Theme.textDim
             font.pixelSize: Theme.fontNormal
         }
-        Button {
+        ZButton {
             anchors.horizontalCenter: parent.horizontalCenter
             text: "Back"
+            primary: false
             onClicked: page.goBack()
         }
     }

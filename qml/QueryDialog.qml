@@ -77,18 +77,15 @@ Item {
             Row {
                 anchors.right: parent.right
                 spacing: 8
-                Button {
+                ZButton {
                     objectName: "rejectButton"
                     text: dialog.rejectButtonText
-                    flat: true
-                    palette.buttonText: Theme.text
+                    primary: false
                     onClicked: dialog.reject()
                 }
-                Button {
+                ZButton {
                     objectName: "acceptButton"
                     text: dialog.acceptButtonText
-                    palette.button: Theme.accent
-                    palette.buttonText: Theme.accentText
                     onClicked: dialog.accept()
                 }
             }

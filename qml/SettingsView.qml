@@ -180,11 +180,13 @@ ZPage {
                     id: ipField
                     objectName: "ipAddressField"
                     width: parent.width
-                    text: page.ipAddress
+                    // The never-set marker shows as an empty field with a hint.
+                    readonly property string shown: page.ipAddress === "0.0.0.0" ? "" : page.ipAddress
+                    text: shown
                     invalid: page.ipAddressError !== ""
                     placeholderText: "192.168.0.10"
                     inputMethodHints: Qt.ImhNoAutoUppercase | Qt.ImhNoPredictiveText
-                    onEditingFinished: page.ipAddressEdited(text)
+                    onEditingFinished: if (text !== shown) page.ipAddressEdited(text)
                 }
                 Text {
                     objectName: "ipAddressErrorText"
@@ -203,11 +205,12 @@ ZPage {
                     id: portField
                     objectName: "ipPortField"
                     width: parent.width
-                    text: page.ipPort
+                    readonly property string shown: page.ipPort === "0" ? "" : page.ipPort
+                    text: shown
                     invalid: page.ipPortError !== ""
                     placeholderText: "35000"
                     inputMethodHints: Qt.ImhDigitsOnly
-                    onEditingFinished: page.ipPortEdited(text)
+                    onEditingFinished: if (text !== shown) page.ipPortEdited(text)
                 }
                 Text {
                     objectName: "ipPortErrorText"

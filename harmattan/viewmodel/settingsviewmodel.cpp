@@ -59,6 +59,8 @@ SettingsViewModel::SettingsViewModel(Obd::SettingsModel* settings,
     , m_settings(settings)
     , m_navigationModel(navigationModel)
 {
+    connect(m_settings, &Obd::SettingsModel::connectionMethodChanged, this,
+            &SettingsViewModel::updateConnectionMethod);
     // A device chosen on the search screen shows up on this screen below it.
     connect(m_settings, &Obd::SettingsModel::bluetoothDeviceNameChanged, this,
             &SettingsViewModel::updateBluetoothDevice);
@@ -160,6 +162,11 @@ void SettingsViewModel::onShowBluetoothSearch()
 void SettingsViewModel::onViewDestroyed()
 {
     m_view = nullptr;
+}
+
+void SettingsViewModel::updateConnectionMethod()
+{
+    setViewProperty("connectionMethodText", methodText(m_settings->connectionMethod()));
 }
 
 void SettingsViewModel::updateBluetoothDevice()

@@ -46,6 +46,7 @@ public slots:
     void onViewDestroyed();
 
 private slots:
+    void updateConnectionMethod();
     void updateBluetoothDevice();
 
 private:
