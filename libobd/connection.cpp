@@ -37,6 +37,8 @@ IMessageBus::OpenStatus Connection::open(IDisconnectListener* listener)
     if (connected_)
         return IMessageBus::OS_OK;
 
+    // A read task that ended on a lost link may still be closing the bus.
+    readThread_.join();
     IMessageBus::OpenStatus status = bus_->open();
     if (status != IMessageBus::OS_OK) {
         OBD_ERROR << "Failed to connect (" << static_cast<int>(status)

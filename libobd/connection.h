@@ -30,6 +30,7 @@ public:
     void close() override;
     bool isConnected() const override;
     int write(const std::vector<unsigned char>& data) override;
+    // Also 2 when the link goes while the reader waits: it is released at once.
     int read(std::vector<unsigned char>& message, unsigned int timeoutMs) override;
     void setDelimiter(unsigned char delimiter) override;
     std::string errorString() const override;

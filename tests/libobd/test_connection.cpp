@@ -483,3 +483,22 @@ TEST_F(ConnectionTest, ChangingTheDelimiterTakesEffectOnPendingBytes)
     ASSERT_EQ(0, connection->read(message, 2000));
     EXPECT_EQ("ELM327 v1.5\rOK\r", text(message));
 }
+
+TEST_F(ConnectionTest, ReopensAgainAndAgainAfterTheAdapterHangsUp)
+{
+    openConnection();
+    for (int cycle = 1; cycle <= 10; ++cycle) {
+        SCOPED_TRACE(cycle);
+        server.disconnect();
+        ASSERT_TRUE(eventually([&] { return !connection->isConnected(); }));
+        // Reopened at once, while the old read task may still be on its way out.
+        ASSERT_EQ(IMessageBus::OS_OK, connection->open(&listener));
+        ASSERT_TRUE(server.waitForConnections(cycle + 1, 2000));
+        server.once("ATI", ScriptedServer::answer("ELM327 v1.5"));
+        ASSERT_EQ(0, connection->write(bytes("ATI\r")));
+        Bytes message;
+        ASSERT_EQ(0, connection->read(message, 2000));
+        EXPECT_EQ("ELM327 v1.5\r\r>", text(message));
+    }
+    EXPECT_EQ(10, listener.calls.load());
+}
