@@ -219,13 +219,13 @@ ZPage {
             anchors.top: parent.top
             anchors.topMargin: 10
             anchors.horizontalCenter: parent.horizontalCenter
-            height: 28
+            height: 36
             spacing: 10
             BusyIndicator {
                 id: busy
                 objectName: "busyIndicator"
-                width: 28
-                height: 28
+                width: 36
+                height: 36
                 running: page.connectionStatus === 1
                 visible: running
                 palette.dark: Theme.accent

@@ -61,6 +61,9 @@ SettingsViewModel::SettingsViewModel(Obd::SettingsModel* settings,
 {
     connect(m_settings, &Obd::SettingsModel::connectionMethodChanged, this,
             &SettingsViewModel::updateConnectionMethod);
+    connect(m_settings, &Obd::SettingsModel::ipAddressChanged, this,
+            &SettingsViewModel::updateIpAddress);
+    connect(m_settings, &Obd::SettingsModel::ipPortChanged, this, &SettingsViewModel::updateIpPort);
     // A device chosen on the search screen shows up on this screen below it.
     connect(m_settings, &Obd::SettingsModel::bluetoothDeviceNameChanged, this,
             &SettingsViewModel::updateBluetoothDevice);
@@ -167,6 +170,16 @@ void SettingsViewModel::onViewDestroyed()
 void SettingsViewModel::updateConnectionMethod()
 {
     setViewProperty("connectionMethodText", methodText(m_settings->connectionMethod()));
+}
+
+void SettingsViewModel::updateIpAddress()
+{
+    setViewProperty("ipAddress", m_settings->ipAddress());
+}
+
+void SettingsViewModel::updateIpPort()
+{
+    setViewProperty("ipPort", m_settings->ipPort());
 }
 
 void SettingsViewModel::updateBluetoothDevice()

@@ -47,6 +47,8 @@ public slots:
 
 private slots:
     void updateConnectionMethod();
+    void updateIpAddress();
+    void updateIpPort();
     void updateBluetoothDevice();
 
 private:

@@ -130,6 +130,8 @@ TEST_F(SettingsViewTest, WrongInputIsExplainedAndNotStored)
     QMetaObject::invokeMethod(page, "ipPortEdited", Q_ARG(QString, "35000"));
     EXPECT_EQ(settings->ipAddress(), "192.168.1.25");
     EXPECT_EQ(settings->ipPort(), "35000");
+    EXPECT_EQ(page->property("ipAddress").toString(), "192.168.1.25");
+    EXPECT_EQ(page->property("ipPort").toString(), "35000");
     EXPECT_EQ(page->property("ipAddressError").toString(), "");
     EXPECT_EQ(page->property("ipPortError").toString(), "");
 }
