@@ -52,7 +52,8 @@ LinkOpener::Result LinkOpener::open(IMessageBus* bus, IDisconnectListener* liste
             result = LO_INITIALIZE_FAILED;
         } else {
             report("Discovering vehicle");
-            if (!proxy || !proxy->initialize(scantool))
+            // A link lost halfway leaves a proxy that believes in a vehicle.
+            if (!proxy || !proxy->initialize(scantool) || !connection->isConnected())
                 result = LO_DISCOVERY_FAILED;
         }
     }

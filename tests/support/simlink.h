@@ -1,0 +1,51 @@
+#ifndef TEST_SIMLINK_H
+#define TEST_SIMLINK_H
+
+#include "elmsimserver.h"
+#include "idisconnectlistener.h"
+#include "linkopener.h"
+#include "obdproxy.h"
+#include "serveroptions.h"
+
+#include <atomic>
+#include <memory>
+#include <string>
+
+namespace Obd {
+class IConnection;
+class IScantool;
+}
+
+// A discovered vehicle behind the simulator: elmsim on a free port, the TCP
+// bus, connection, scan tool and proxy opened the way the application does.
+class SimLink : public Obd::IDisconnectListener
+{
+public:
+    // Options for quick tests: no boot or search delay, frozen values.
+    static ElmSim::ServerOptions quickOptions(const std::string& profile);
+
+    explicit SimLink(const ElmSim::ServerOptions& options);
+    explicit SimLink(const std::string& profile);
+    ~SimLink() override;
+
+    // Starts the simulator and opens the link; the result of the opening.
+    Obd::LinkOpener::Result open();
+    void close();
+
+    ElmSim::ElmSimServer& server() { return *m_server; }
+    Obd::ObdProxy& proxy() { return m_proxy; }
+    Obd::IScantool* scantool() { return m_scantool; }
+    Obd::IConnection* connection() { return m_connection; }
+    int disconnects() const { return m_disconnects; }
+
+    void onDisconnected() override { ++m_disconnects; }
+
+private:
+    std::unique_ptr<ElmSim::ElmSimServer> m_server;
+    Obd::ObdProxy m_proxy;
+    Obd::IConnection* m_connection = nullptr;
+    Obd::IScantool* m_scantool = nullptr;
+    std::atomic<int> m_disconnects{0};
+};
+
+#endif
