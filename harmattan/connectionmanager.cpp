@@ -58,9 +58,14 @@ ConnectionManager::ConnectionManager(Obd::SettingsModel* settings, QObject* pare
 
 ConnectionManager::~ConnectionManager()
 {
+    shutdown();
+    delete m_proxy;
+}
+
+void ConnectionManager::shutdown()
+{
     m_opening.waitForFinished();
     closeConnection();
-    delete m_proxy;
 }
 
 bool ConnectionManager::openConnection()

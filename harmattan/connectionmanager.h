@@ -41,6 +41,9 @@ public:
     Q_INVOKABLE bool openConnection();
     Q_INVOKABLE bool isConnected();
     Obd::IObdProxy* proxy();
+    // Waits for an opening under way, then closes: for the application's end,
+    // while the settings and the view models are still there.
+    void shutdown();
 
     // Called by the connection's read task when the link drops.
     void onDisconnected() override;

@@ -117,6 +117,8 @@ Zarvane::Zarvane(QObject* rootObject, QQmlContext* rootContext)
 
 Zarvane::~Zarvane()
 {
+    // Children go in creation order: the settings before the manager that reads them.
+    m_connectionManager->shutdown();
     // The shared dialog items outlive us only as long as the view does.
     Obd::ZrvQuery::setView(nullptr);
     Obd::ZrvInfo::setView(nullptr);

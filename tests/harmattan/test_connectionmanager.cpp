@@ -123,6 +123,29 @@ TEST_F(ConnectionTest, ButtonCycleAgainstTheSimulator)
     EXPECT_EQ(status(), 0);
 }
 
+TEST_F(ConnectionTest, TappingTheButtonConnectsAndDisconnects)
+{
+    startSim(simOptions());
+    ASSERT_TRUE(ui->click(ui->mainView(), "connectionButton"));
+    EXPECT_EQ(status(), 1);
+    ASSERT_TRUE(waitUntil([&] { return status() == 2; }, CONNECT_WAIT_MS));
+    ASSERT_TRUE(ui->click(ui->mainView(), "connectionButton"));
+    EXPECT_EQ(status(), 0);
+    EXPECT_FALSE(ui->app()->connectionManager()->isConnected());
+}
+
+TEST_F(ConnectionTest, ClosingTheApplicationWhileOpening)
+{
+    ElmSim::ServerOptions options = simOptions();
+    options.resetDelayMs = 1500;
+    startSim(options);
+    clickConnectionButton();
+    EXPECT_EQ(status(), 1);
+    spin(200);
+    ui.reset();
+    SUCCEED() << "the opening thread finished before the objects went";
+}
+
 TEST_F(ConnectionTest, NothingListeningOnThePort)
 {
     sim.reset(new ElmSim::ElmSimServer(simOptions()));

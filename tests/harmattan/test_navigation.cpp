@@ -99,3 +99,13 @@ TEST_F(NavigationTest, BackButtonOfAPageGoesBack)
     ASSERT_TRUE(ui->settle());
     EXPECT_EQ(ui->depth(), 1);
 }
+
+TEST_F(NavigationTest, TappingSettingsAndBackButtons)
+{
+    ASSERT_TRUE(ui->click(ui->mainView(), "settingsButton"));
+    ASSERT_TRUE(ui->settle());
+    EXPECT_EQ(ui->currentPage()->property("title").toString(), "Settings");
+    ASSERT_TRUE(ui->click(ui->currentPage(), "backButton"));
+    ASSERT_TRUE(ui->settle());
+    EXPECT_EQ(ui->depth(), 1);
+}

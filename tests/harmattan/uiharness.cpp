@@ -8,6 +8,7 @@
 #include <QDir>
 #include <QImage>
 #include <QMetaObject>
+#include <QMouseEvent>
 #include <QQmlContext>
 #include <QQuickItem>
 #include <QSettings>
@@ -144,6 +145,24 @@ void UiHarness::back()
 {
     QMetaObject::invokeMethod(root(), "back");
     settle();
+}
+
+bool UiHarness::click(QObject* parent, const char* objectName)
+{
+    QQuickItem* item = parent ? parent->findChild<QQuickItem*>(objectName) : nullptr;
+    if (!item || !item->isVisible())
+        return false;
+    const QPointF local = item->mapToScene(QPointF(item->width() / 2, item->height() / 2));
+    const QPointF global = m_view.mapToGlobal(local.toPoint());
+    QMouseEvent press(QEvent::MouseButtonPress, local, local, global, Qt::LeftButton, Qt::LeftButton,
+                      Qt::NoModifier);
+    QCoreApplication::sendEvent(&m_view, &press);
+    spin(30);
+    QMouseEvent release(QEvent::MouseButtonRelease, local, local, global, Qt::LeftButton,
+                        Qt::NoButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&m_view, &release);
+    spin(30);
+    return true;
 }
 
 bool UiHarness::settle(int timeoutMs)

@@ -41,6 +41,9 @@ public:
     int depth() const;
     QVariant mainProperty(const char* name) const;
 
+    // Presses and releases the mouse in the middle of the named item, as a person would.
+    bool click(QObject* parent, const char* objectName);
+
     // Pops back to the main view and waits for the stack to settle.
     void back();
     bool settle(int timeoutMs = 5000);
