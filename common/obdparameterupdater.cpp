@@ -85,6 +85,9 @@ void ObdParameterUpdater::dispose(ObdParameterUpdater* updater, ObdParameter* pa
         return;
     }
     updater->cancel();
+    // Receivers drop their side of the connections here, on this thread,
+    // rather than racing the updater's destruction on the worker.
+    QObject::disconnect(updater, nullptr, nullptr, nullptr);
     QThread* thread = updater->thread();
     if (!thread || thread == QThread::currentThread() || !thread->isRunning()) {
         // Nothing can deliver a queued update() concurrently.

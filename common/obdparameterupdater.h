@@ -38,9 +38,10 @@ public:
     // Requests still queued then return without an exchange.
     void cancel();
 
-    // Deletes updater and parameter on the updater's own thread after every
-    // update() queued before this call; directly when that thread is not
-    // running. Both may be null.
+    // Disconnects every receiver of the updater, then deletes updater and
+    // parameter on the updater's own thread after every update() queued
+    // before this call (those return without an exchange); directly when
+    // that thread is not running. Both may be null.
     static void dispose(ObdParameterUpdater* updater, ObdParameter* parameter);
 
     // One step of the running mean: average + (elapsed - average) / count in
