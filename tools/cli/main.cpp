@@ -1,0 +1,45 @@
+#include "cliapplication.h"
+#include "consolelogger.h"
+#include "libobd.h"
+#include "trlog.h"
+
+#include <QCoreApplication>
+
+#include <csignal>
+#include <iostream>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+void onSignal(int)
+{
+    Cli::CliApplication::interrupted() = true;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QCoreApplication app(argc, argv);
+    QCoreApplication::setApplicationName("zarvane-cli");
+    QCoreApplication::setOrganizationName("Quillot");
+    std::vector<std::string> args(argv + 1, argv + argc);
+
+    static Obd::ConsoleLogger console;
+    for (const std::string& arg : args) {
+        if (arg == "-v" || arg == "--verbose")
+            Obd::TrLog::addLogger(&console);
+    }
+    std::signal(SIGINT, onSignal);
+    std::signal(SIGTERM, onSignal);
+    std::signal(SIGPIPE, SIG_IGN);
+
+    Obd::libInit();
+    Cli::CliApplication cli(std::cout, std::cerr, std::cin);
+    cli.setInteractive(isatty(STDIN_FILENO), isatty(STDERR_FILENO));
+    int code = cli.run(args);
+    Obd::libCleanup();
+    return code;
+}

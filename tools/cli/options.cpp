@@ -1,0 +1,168 @@
+#include "options.h"
+
+#include <cstdlib>
+
+namespace Cli {
+
+namespace {
+
+const char* const COMMANDS[] = { "info", "dtc", "clear", "live", "vehicle", "tests",
+                                 "lookup", "search", "bench" };
+
+bool isCommand(const std::string& word)
+{
+    for (const char* command : COMMANDS) {
+        if (word == command)
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
+Options::Options()
+    : host("127.0.0.1")
+    , port(35000)
+    , json(false)
+    , imperial(false)
+    , yes(false)
+    , help(false)
+    , verbose(false)
+    , periodMs(1000)
+    , count(-1)
+{
+}
+
+std::string Options::usage()
+{
+    return "Usage: zarvane-cli [options] COMMAND [ARGUMENTS]\n"
+           "\n"
+           "Talks to an ELM327-type OBD-II adapter over Wi-Fi (TCP) or Bluetooth, with the\n"
+           "same library and the same opening dialogue as the Zarvane application.\n"
+           "\n"
+           "Commands:\n"
+           "  info              adapter name, description, version and protocol; each ECU's\n"
+           "                    id, OBD standard, names and supported PIDs, MIDs, info types\n"
+           "  dtc               stored and pending trouble codes per ECU, MIL and readiness\n"
+           "  clear             clear the trouble codes (asks on a terminal; --yes otherwise)\n"
+           "  live PID...       live values, one line per sample (PIDs in hex, e.g. 0C, or\n"
+           "                    names such as rpm, speed, coolant, maf, load, throttle)\n"
+           "  vehicle           VIN, calibration IDs, CVNs, performance tracking counters\n"
+           "  tests             on-board monitor results (service 06; 05 on non-CAN cars)\n"
+           "  lookup CODE...    describe trouble codes from the offline database\n"
+           "  search TEXT       find trouble codes whose code or description contains TEXT\n"
+           "  bench [PID]       adapter speed test: back-to-back exchanges of one PID (0C)\n"
+           "\n"
+           "Options:\n"
+           "  --host HOST         adapter address for Wi-Fi (default 127.0.0.1)\n"
+           "  --port PORT         adapter TCP port (default 35000)\n"
+           "  --bluetooth ADDR    use the Bluetooth adapter at ADDR (00:11:22:33:44:55)\n"
+           "  --json              machine-readable output\n"
+           "  --imperial          imperial units for live values\n"
+           "  --period MS         live: sample period (default 1000)\n"
+           "  --count N           live: number of samples (default: until interrupted);\n"
+           "                      bench: number of exchanges (default 200)\n"
+           "  --yes               clear without asking\n"
+           "  -v, --verbose       the library's log lines on standard error\n"
+           "  -h, --help          this text\n"
+           "\n"
+           "Exit codes: 0 done, 1 the command failed, 2 bad argument, 3 cannot connect,\n"
+           "4 adapter not identified or not initialised, 5 vehicle not reached.\n";
+}
+
+bool Options::number(const std::string& option, const std::string& text, long minimum,
+                     long maximum, long& value)
+{
+    char* end = nullptr;
+    long parsed = std::strtol(text.c_str(), &end, 10);
+    if (text.empty() || !end || *end != '\0' || parsed < minimum || parsed > maximum) {
+        m_error = option + " needs a number from " + std::to_string(minimum) + " to " +
+                  std::to_string(maximum) + ", not \"" + text + "\"";
+        return false;
+    }
+    value = parsed;
+    return true;
+}
+
+bool Options::parse(const std::vector<std::string>& args)
+{
+    for (size_t i = 0; i < args.size(); ++i) {
+        const std::string& arg = args[i];
+        auto valueOf = [&](std::string& out) {
+            if (i + 1 >= args.size()) {
+                m_error = arg + " needs a value";
+                return false;
+            }
+            out = args[++i];
+            return true;
+        };
+        std::string value;
+        long n = 0;
+        if (arg == "-h" || arg == "--help") {
+            help = true;
+        } else if (arg == "--json") {
+            json = true;
+        } else if (arg == "--verbose" || arg == "-v") {
+            verbose = true;
+        } else if (arg == "--imperial") {
+            imperial = true;
+        } else if (arg == "--yes" || arg == "-y") {
+            yes = true;
+        } else if (arg == "--host") {
+            if (!valueOf(host))
+                return false;
+            if (host.empty()) {
+                m_error = "--host needs an address";
+                return false;
+            }
+        } else if (arg == "--port") {
+            if (!valueOf(value) || !number(arg, value, 1, 65535, n))
+                return false;
+            port = static_cast<unsigned int>(n);
+        } else if (arg == "--bluetooth") {
+            if (!valueOf(bluetoothAddress))
+                return false;
+        } else if (arg == "--period") {
+            if (!valueOf(value) || !number(arg, value, 10, 3600000, n))
+                return false;
+            periodMs = static_cast<int>(n);
+        } else if (arg == "--count") {
+            if (!valueOf(value) || !number(arg, value, 1, 100000000, n))
+                return false;
+            count = static_cast<int>(n);
+        } else if (arg.size() > 1 && arg[0] == '-' && command != "lookup" && command != "search") {
+            m_error = "unknown option " + arg;
+            return false;
+        } else if (command.empty()) {
+            if (!isCommand(arg)) {
+                m_error = "unknown command \"" + arg + "\"";
+                return false;
+            }
+            command = arg;
+        } else {
+            arguments.push_back(arg);
+        }
+    }
+    if (help)
+        return true;
+    if (command.empty()) {
+        m_error = "no command given";
+        return false;
+    }
+    if ((command == "lookup" || command == "search" || command == "live") && arguments.empty()) {
+        m_error = command + " needs at least one argument";
+        return false;
+    }
+    if ((command == "info" || command == "dtc" || command == "clear" || command == "vehicle" ||
+         command == "tests") && !arguments.empty()) {
+        m_error = command + " takes no arguments";
+        return false;
+    }
+    if (command == "bench" && arguments.size() > 1) {
+        m_error = "bench takes one PID at most";
+        return false;
+    }
+    return true;
+}
+
+} // namespace Cli

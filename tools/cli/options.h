@@ -1,0 +1,43 @@
+#ifndef CLI_OPTIONS_H
+#define CLI_OPTIONS_H
+
+#include <string>
+#include <vector>
+
+namespace Cli {
+
+// The command line of zarvane-cli, parsed.
+class Options
+{
+public:
+    Options();
+
+    // False with a message in error() for a bad command line.
+    bool parse(const std::vector<std::string>& args);
+
+    std::string error() const { return m_error; }
+    static std::string usage();
+
+    std::string command;
+    std::vector<std::string> arguments;
+    std::string host;
+    unsigned int port;
+    std::string bluetoothAddress;
+    bool json;
+    bool imperial;
+    bool yes;
+    bool help;
+    bool verbose;
+    int periodMs;
+    int count;
+
+private:
+    bool number(const std::string& option, const std::string& text, long minimum, long maximum,
+                long& value);
+
+    std::string m_error;
+};
+
+} // namespace Cli
+
+#endif

@@ -1,0 +1,34 @@
+#ifndef CLI_PRINTER_H
+#define CLI_PRINTER_H
+
+#include <QJsonObject>
+
+#include <ostream>
+#include <string>
+
+namespace Cli {
+
+// Text for people or one JSON document for scripts.
+class Printer
+{
+public:
+    Printer(std::ostream& out, bool json);
+
+    bool isJson() const { return m_json; }
+    // Text mode only.
+    void line(const std::string& text = std::string());
+    // JSON mode: the document printed by finish().
+    QJsonObject& root() { return m_root; }
+    // JSON mode: one compact object on a line of its own, now.
+    void record(const QJsonObject& object);
+    void finish();
+
+private:
+    std::ostream& m_out;
+    bool m_json;
+    QJsonObject m_root;
+};
+
+} // namespace Cli
+
+#endif

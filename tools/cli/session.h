@@ -1,0 +1,56 @@
+#ifndef CLI_SESSION_H
+#define CLI_SESSION_H
+
+#include "idisconnectlistener.h"
+#include "obdproxy.h"
+
+#include <atomic>
+#include <functional>
+#include <string>
+
+namespace Obd {
+class IConnection;
+class IScantool;
+}
+
+namespace Cli {
+
+class Options;
+
+// One opened link to the adapter and the discovered vehicle.
+class Session : public Obd::IDisconnectListener
+{
+public:
+    enum Status {
+        SS_OK = 0,
+        SS_CANNOT_CONNECT = 3,
+        SS_NOT_IDENTIFIED = 4,
+        SS_NOT_REACHED = 5
+    };
+
+    Session();
+    ~Session() override;
+
+    // Opens the link the way the application does; the text says why not.
+    Status open(const Options& options, const std::function<void(const std::string&)>& progress,
+                std::string& why);
+    // Resets the adapter and closes the link.
+    void close();
+
+    Obd::IObdProxy* proxy() { return &m_proxy; }
+    Obd::IScantool* scantool() { return m_scantool; }
+    bool isLost() const { return m_lost; }
+
+    void onDisconnected() override;
+
+private:
+    Obd::ObdProxy m_proxy;
+    Obd::IConnection* m_connection;
+    Obd::IScantool* m_scantool;
+    std::atomic<bool> m_open;
+    std::atomic<bool> m_lost;
+};
+
+} // namespace Cli
+
+#endif
