@@ -3,9 +3,9 @@
 #include "bluetoothbus.h"
 #include "connection.h"
 #include "elmscantool.h"
-#include "interimproxy.h"
 #include "iobdproxy.h"
 #include "iscantool.h"
+#include "obdproxy.h"
 #include "settingsmodel.h"
 #include "tcpbus.h"
 #include "trlog.h"
@@ -32,7 +32,7 @@ const int CONNECTIVITY_LOST_TIMEOUT_MS = 4000;
 // The one place that decides which proxy serves every connection.
 Obd::IObdProxy* createProxy()
 {
-    return new InterimProxy();
+    return new Obd::ObdProxy();
 }
 
 // A port text that is not a decimal number gives port 0, which cannot connect.

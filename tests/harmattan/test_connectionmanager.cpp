@@ -104,6 +104,7 @@ TEST_F(ConnectionTest, ButtonCycleAgainstTheSimulator)
     EXPECT_TRUE(ui->mainProperty("buttonStatus").toBool());
     EXPECT_TRUE(manager->isConnected());
     EXPECT_TRUE(manager->proxy()->isInitialized());
+    EXPECT_NE(manager->proxy()->getFirstEcu(), nullptr) << "discovery found no ECU";
     EXPECT_FALSE(ui->mainView()->findChild<QObject*>("busyIndicator")->property("running").toBool());
 
     int disconnects = 0;
