@@ -18,7 +18,7 @@ bool CounterPid::decode(unsigned int ecuId, const std::vector<unsigned char>& da
 {
     if (!m_descriptor.acceptsLength(data.size()))
         return false;
-    m_values[ecuId] = static_cast<unsigned int>(m_descriptor.spec().values[0].formula(data));
+    m_values[ecuId] = static_cast<unsigned int>(m_descriptor.row().values[0].formula(data));
     return true;
 }
 
@@ -41,7 +41,7 @@ void CounterPid::getFormattedValues(const Ecu& ecu, UnitSystem unitSystem,
         return;
     }
     static const ValueFormater wholeNumber(ValueFormater::VT_UNSIGNED, 0, 0);
-    double value = m_descriptor.spec().values[0].convert(unitSystem, it->second);
+    double value = m_descriptor.row().values[0].convert(unitSystem, it->second);
     list.push_back(wholeNumber.format(unitSystem, static_cast<float>(value)));
 }
 

@@ -38,10 +38,10 @@ bool NumericPid::decode(unsigned int ecuId, const std::vector<unsigned char>& da
 {
     if (!m_descriptor.acceptsLength(data.size()))
         return false;
-    const PidSpec& spec = m_descriptor.spec();
+    const PidRow& row = m_descriptor.row();
     Values values = {};
-    for (unsigned int i = 0; i < spec.valueCount; ++i)
-        values[i] = spec.values[i].formula(data);
+    for (unsigned int i = 0; i < row.valueCount; ++i)
+        values[i] = row.values[i].formula(data);
     m_values[ecuId] = values;
     return true;
 }
@@ -61,9 +61,9 @@ void NumericPid::getValues(const Ecu& ecu, UnitSystem unitSystem, std::vector<fl
     const Values* values = find(ecu);
     if (!values)
         return;
-    const PidSpec& spec = m_descriptor.spec();
-    for (unsigned int i = 0; i < spec.valueCount; ++i)
-        list.push_back(static_cast<float>(spec.values[i].convert(unitSystem, (*values)[i])));
+    const PidRow& row = m_descriptor.row();
+    for (unsigned int i = 0; i < row.valueCount; ++i)
+        list.push_back(static_cast<float>(row.values[i].convert(unitSystem, (*values)[i])));
 }
 
 void NumericPid::getFormattedValues(const Ecu& ecu, UnitSystem unitSystem,
@@ -80,9 +80,9 @@ void NumericPid::getFormattedValues(const Ecu& ecu, UnitSystem unitSystem,
 float NumericPid::getValue(const Ecu& ecu, UnitSystem unitSystem, unsigned int index) const
 {
     const Values* values = find(ecu);
-    if (!values || index >= m_descriptor.spec().valueCount)
+    if (!values || index >= m_descriptor.row().valueCount)
         return 0.0f;
-    return static_cast<float>(m_descriptor.spec().values[index].convert(unitSystem, (*values)[index]));
+    return static_cast<float>(m_descriptor.row().values[index].convert(unitSystem, (*values)[index]));
 }
 
 } // namespace Obd

@@ -169,9 +169,9 @@ int ParameterFactory::pidByName(const std::string& name)
         return -1;
     }
     // Rows in PID order: where two share a name (13/1D, 24/34) the lower wins.
-    for (const PidSpec& spec : PidTable::rows()) {
-        if ((spec.alias && wanted == spec.alias) || wanted == lowerCase(spec.displayName(1)))
-            return spec.pid;
+    for (const PidRow& row : PidTable::rows()) {
+        if ((row.alias && wanted == row.alias) || wanted == lowerCase(row.displayName(1)))
+            return row.pid;
     }
     return -1;
 }

@@ -8,12 +8,12 @@
 namespace Obd {
 
 PidDescriptor::PidDescriptor(unsigned char pid)
-    : m_spec(PidTable::find(pid))
+    : m_row(PidTable::find(pid))
 {
-    assert(m_spec != 0 && "PidDescriptor: spec != 0");
+    assert(m_row != 0 && "PidDescriptor: m_row != 0");
     const std::string pidName = name();
-    for (unsigned int i = 0; i < m_spec->valueCount; ++i) {
-        const PidValueSpec& value = m_spec->values[i];
+    for (unsigned int i = 0; i < m_row->valueCount; ++i) {
+        const PidValue& value = m_row->values[i];
         // Kind 1 marks a value with a formatter, 0 the text-only ones.
         SensorInfo* info = new SensorInfo(value.name ? value.name : pidName, value.hasFormatter() ? 1 : 0);
         info->addInfo(US_METRIC, value.unit(US_METRIC), value.rangeMinimum(US_METRIC), value.rangeMaximum(US_METRIC));
@@ -38,12 +38,12 @@ PidDescriptor::~PidDescriptor()
 
 std::string PidDescriptor::name() const
 {
-    return m_spec->displayName(1);
+    return m_row->displayName(1);
 }
 
 std::string PidDescriptor::name(const Ecu& ecu) const
 {
-    return m_spec->displayName(ecu.getOxygenSensorLayout());
+    return m_row->displayName(ecu.getOxygenSensorLayout());
 }
 
 void PidDescriptor::sensorInfos(std::vector<SensorInfo*>& list) const

@@ -22,12 +22,12 @@ public:
     explicit PidDescriptor(unsigned char pid);
     ~PidDescriptor();
 
-    const PidSpec& spec() const { return *m_spec; }
-    unsigned char pid() const { return m_spec->pid; }
+    const PidRow& row() const { return *m_row; }
+    unsigned char pid() const { return m_row->pid; }
     // Oxygen sensors: the name of layout 1.
     std::string name() const;
     std::string name(const Ecu& ecu) const;
-    bool acceptsLength(size_t length) const { return m_spec->acceptsLength(length); }
+    bool acceptsLength(size_t length) const { return m_row->acceptsLength(length); }
 
     void sensorInfos(std::vector<SensorInfo*>& list) const;
     void formatters(std::vector<ValueFormaterPtr>& list) const;
@@ -38,7 +38,7 @@ private:
     PidDescriptor(const PidDescriptor&) = delete;
     PidDescriptor& operator=(const PidDescriptor&) = delete;
 
-    const PidSpec* m_spec;
+    const PidRow* m_row;
     std::vector<SensorInfo*> m_infos;
     std::vector<ValueFormaterPtr> m_formatters;
 };

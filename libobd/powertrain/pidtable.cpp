@@ -69,40 +69,40 @@ float catalystTemperature(const std::vector<unsigned char>& d)
 const PidFormat NONE = { NO_FORMATTER, 0, 0 };
 
 // The same unit and range in both systems.
-PidValueSpec same(const char* name, PidFormula f, unsigned int unit, double lo, double hi, PidFormat fmt)
+PidValue same(const char* name, PidFormula f, unsigned int unit, double lo, double hi, PidFormat fmt)
 {
-    return PidValueSpec{ name, f, unit, lo, hi, unit, nullptr, fmt };
+    return PidValue{ name, f, unit, lo, hi, unit, nullptr, fmt };
 }
 
 // Metric range; the imperial range is the converted metric range.
-PidValueSpec converted(const char* name, PidFormula f, unsigned int unit, double lo, double hi,
+PidValue converted(const char* name, PidFormula f, unsigned int unit, double lo, double hi,
                        unsigned int imperialUnit, PidConversion c, PidFormat fmt)
 {
-    return PidValueSpec{ name, f, unit, lo, hi, imperialUnit, c, fmt };
+    return PidValue{ name, f, unit, lo, hi, imperialUnit, c, fmt };
 }
 
 // Enumerated or structured values: no unit, no range, own decoder.
-PidValueSpec text(const char* name = nullptr)
+PidValue text(const char* name = nullptr)
 {
-    return PidValueSpec{ name, nullptr, UNIT_NONE, 0.0, 0.0, UNIT_NONE, nullptr, NONE };
+    return PidValue{ name, nullptr, UNIT_NONE, 0.0, 0.0, UNIT_NONE, nullptr, NONE };
 }
 
-std::vector<PidSpec> buildTable()
+std::vector<PidRow> buildTable()
 {
     using namespace UnitConversion;
 
-    const PidValueSpec percent = same(nullptr, percentOf255, UNIT_PERCENT, 0, 100, { 2, 1, 1 });
-    const PidValueSpec percentTruncated = same(nullptr, percentOf255Truncated, UNIT_PERCENT, 0, 100, { 2, 1, 1 });
-    const PidValueSpec trim = same(nullptr, trimA, UNIT_PERCENT, -100, 99.22, { 2, 1, 1 });
-    const PidValueSpec temperature = converted(nullptr, minus40, UNIT_CELSIUS, -40, 215, UNIT_FAHRENHEIT, celsiusToFahrenheit, { 1, 0, 0 });
-    const PidValueSpec distance = converted(nullptr, wordAB, UNIT_KM, 0, 65535, UNIT_MILES, kmToMiles, NONE);
-    const PidValueSpec catalyst = converted(nullptr, catalystTemperature, UNIT_CELSIUS, -40, 6513.5, UNIT_FAHRENHEIT, celsiusToFahrenheit, { 1, 0, 0 });
+    const PidValue percent = same(nullptr, percentOf255, UNIT_PERCENT, 0, 100, { 2, 1, 1 });
+    const PidValue percentTruncated = same(nullptr, percentOf255Truncated, UNIT_PERCENT, 0, 100, { 2, 1, 1 });
+    const PidValue trim = same(nullptr, trimA, UNIT_PERCENT, -100, 99.22, { 2, 1, 1 });
+    const PidValue temperature = converted(nullptr, minus40, UNIT_CELSIUS, -40, 215, UNIT_FAHRENHEIT, celsiusToFahrenheit, { 1, 0, 0 });
+    const PidValue distance = converted(nullptr, wordAB, UNIT_KM, 0, 65535, UNIT_MILES, kmToMiles, NONE);
+    const PidValue catalyst = converted(nullptr, catalystTemperature, UNIT_CELSIUS, -40, 6513.5, UNIT_FAHRENHEIT, celsiusToFahrenheit, { 1, 0, 0 });
     // Oxygen sensors: the two values of each group.
-    const PidValueSpec o2V = same("Voltage", o2Voltage, UNIT_VOLT, 0, 1.275, { 2, 3, 3 });
-    const PidValueSpec o2Stft = same("Short Term Fuel Trim", o2Trim, UNIT_PERCENT, -100, 99.22, { 2, 1, 1 });
-    const PidValueSpec lambda = same("Equivalence Ratio", equivalenceRatioAB, UNIT_NONE, 0, 1.999, { 2, 3, 3 });
-    const PidValueSpec wideV = same("Voltage", voltageCD, UNIT_VOLT, 0, 7.999, { 2, 3, 3 });
-    const PidValueSpec wideMa = same("Current", currentCD, UNIT_MILLIAMPERE, -128, 127.996, { 2, 2, 2 });
+    const PidValue o2V = same("Voltage", o2Voltage, UNIT_VOLT, 0, 1.275, { 2, 3, 3 });
+    const PidValue o2Stft = same("Short Term Fuel Trim", o2Trim, UNIT_PERCENT, -100, 99.22, { 2, 1, 1 });
+    const PidValue lambda = same("Equivalence Ratio", equivalenceRatioAB, UNIT_NONE, 0, 1.999, { 2, 3, 3 });
+    const PidValue wideV = same("Voltage", voltageCD, UNIT_VOLT, 0, 7.999, { 2, 3, 3 });
+    const PidValue wideMa = same("Current", currentCD, UNIT_MILLIAMPERE, -128, 127.996, { 2, 2, 2 });
 
     return {
         // PID  class                                  name text                                          alias          bytes  oxygen group   values
@@ -195,29 +195,29 @@ unsigned char groupStart(OxygenSensorGroup group)
 
 } // namespace
 
-double PidValueSpec::convert(UnitSystem unitSystem, double metric) const
+double PidValue::convert(UnitSystem unitSystem, double metric) const
 {
     if (unitSystem == US_IMPERIAL && toImperial)
         return toImperial(metric);
     return metric;
 }
 
-double PidValueSpec::rangeMinimum(UnitSystem unitSystem) const
+double PidValue::rangeMinimum(UnitSystem unitSystem) const
 {
     return convert(unitSystem, minimum);
 }
 
-double PidValueSpec::rangeMaximum(UnitSystem unitSystem) const
+double PidValue::rangeMaximum(UnitSystem unitSystem) const
 {
     return convert(unitSystem, maximum);
 }
 
-unsigned int PidValueSpec::unit(UnitSystem unitSystem) const
+unsigned int PidValue::unit(UnitSystem unitSystem) const
 {
     return unitSystem == US_IMPERIAL ? imperialUnit : metricUnit;
 }
 
-std::string PidSpec::displayName(unsigned int layout) const
+std::string PidRow::displayName(unsigned int layout) const
 {
     if (oxygenGroup == O2_NONE)
         return name ? name : "";
@@ -238,17 +238,17 @@ std::string PidSpec::displayName(unsigned int layout) const
 
 namespace PidTable {
 
-const std::vector<PidSpec>& rows()
+const std::vector<PidRow>& rows()
 {
-    static const std::vector<PidSpec> table = buildTable();
+    static const std::vector<PidRow> table = buildTable();
     return table;
 }
 
-const PidSpec* find(unsigned char pid)
+const PidRow* find(unsigned char pid)
 {
-    for (const PidSpec& spec : rows()) {
-        if (spec.pid == pid)
-            return &spec;
+    for (const PidRow& row : rows()) {
+        if (row.pid == pid)
+            return &row;
     }
     return nullptr;
 }

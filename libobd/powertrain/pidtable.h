@@ -28,7 +28,7 @@ struct PidFormat
 
 const int NO_FORMATTER = -1;
 
-struct PidValueSpec
+struct PidValue
 {
     const char* name; // SensorInfo name; nullptr: the PID's name
     PidFormula formula; // nullptr: the class decodes by itself
@@ -54,7 +54,7 @@ enum OxygenSensorGroup {
     O2_WIDE_CURRENT = 3 // PIDs 34..3B
 };
 
-struct PidSpec
+struct PidRow
 {
     unsigned char pid;
     const char* className;
@@ -64,7 +64,7 @@ struct PidSpec
     unsigned char maxBytes;
     OxygenSensorGroup oxygenGroup;
     unsigned int valueCount;
-    PidValueSpec values[2];
+    PidValue values[2];
 
     bool acceptsLength(size_t length) const { return length >= minBytes && length <= maxBytes; }
     // The display name for an oxygen-sensor layout (0, 1 or 2; Ecu::getOxygenSensorLayout).
@@ -75,9 +75,9 @@ struct PidSpec
 namespace PidTable {
 
 // The row of a PID, or nullptr when the catalogue does not have it.
-const PidSpec* find(unsigned char pid);
+const PidRow* find(unsigned char pid);
 // Every row in ascending PID order.
-const std::vector<PidSpec>& rows();
+const std::vector<PidRow>& rows();
 
 // Fuel-system and secondary-air status bytes: exactly one of bits 0..4 set.
 // Gives the bit's number; false for any other byte.

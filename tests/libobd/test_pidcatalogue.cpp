@@ -440,7 +440,7 @@ TEST(PidDecode, RandomPayloadsOfEveryLength)
     std::uniform_int_distribution<int> byte(0, 255);
     Ecu ecu(ECU_ID, PROTOCOL_CAN_11BIT, "CAN");
     for (unsigned char pid : ParameterFactory::knownPids()) {
-        const PidSpec* spec = PidTable::find(pid);
+        const PidRow* catalogueRow = PidTable::find(pid);
         for (size_t length = 0; length <= 40; ++length) {
             SCOPED_TRACE("PID " + hex(pid) + ", length " + std::to_string(length));
             for (int round = 0; round < 8; ++round) {
@@ -452,8 +452,8 @@ TEST(PidDecode, RandomPayloadsOfEveryLength)
                 const bool decoded = parameter->decode(ECU_ID, data);
                 const bool parsed = parseData(*parameter, data);
                 EXPECT_EQ(decoded, parsed) << "parse must hand the same bytes to decode";
-                if (spec) {
-                    EXPECT_TRUE(!decoded || spec->acceptsLength(length));
+                if (catalogueRow) {
+                    EXPECT_TRUE(!decoded || catalogueRow->acceptsLength(length));
                 }
                 // The raw message, header bytes random too.
                 parameter->parse(PROTOCOL_ISO9141, ECU_ID, data);
