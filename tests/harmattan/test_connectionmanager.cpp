@@ -105,6 +105,7 @@ TEST_F(ConnectionTest, ButtonCycleAgainstTheSimulator)
     EXPECT_TRUE(manager->isConnected());
     EXPECT_TRUE(manager->proxy()->isInitialized());
     EXPECT_NE(manager->proxy()->getFirstEcu(), nullptr) << "discovery found no ECU";
+    EXPECT_TRUE(ui->screenshot("main_connected"));
     EXPECT_FALSE(ui->mainView()->findChild<QObject*>("busyIndicator")->property("running").toBool());
 
     int disconnects = 0;
