@@ -89,6 +89,12 @@ void ObdParameterUpdater::dispose(ObdParameterUpdater* updater, ObdParameter* pa
     // rather than racing the updater's destruction on the worker.
     QObject::disconnect(updater, nullptr, nullptr, nullptr);
     QThread* thread = updater->thread();
+    if (thread && thread != QThread::currentThread()) {
+        // An exchange in progress ends before the caller goes on, so its
+        // updateDone is either already queued (and dropped with the
+        // receiver) or never sent.
+        std::lock_guard<std::mutex> wait(updater->m_mutex);
+    }
     if (!thread || thread == QThread::currentThread() || !thread->isRunning()) {
         // Nothing can deliver a queued update() concurrently.
         delete updater;

@@ -38,7 +38,8 @@ public:
     // Requests still queued then return without an exchange.
     void cancel();
 
-    // Disconnects every receiver of the updater, then deletes updater and
+    // Disconnects every receiver of the updater and waits for an exchange in
+    // progress (the mutex makes destruction wait), then deletes updater and
     // parameter on the updater's own thread after every update() queued
     // before this call (those return without an exchange); directly when
     // that thread is not running. Both may be null.

@@ -13,6 +13,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 #include <stdexcept>
 #include <vector>
@@ -437,4 +438,29 @@ TEST(SensorLifetime, DestroyedWithRequestStillQueuedBehindOthers)
     EXPECT_TRUE(WorkerThread::flush(5000));
     EXPECT_EQ(std::vector<std::string>{"010c"}, adapter.tool.commands());
     EXPECT_EQ(before + 1, FakeMeasurable::liveCount());
+}
+
+TEST(SensorLifetime, ManySensorsCreatedAndDestroyedWhileRefreshing)
+{
+    Adapter adapter;
+    for (unsigned char pid : {0x05, 0x0C, 0x0D})
+        adapter.tool.setReply(commandFor(pid), replyFor(pid, 9));
+    adapter.tool.setReplyDelayMs(2);
+    ASSERT_TRUE(WorkerThread::flush(5000));
+    int before = FakeMeasurable::liveCount();
+    for (int round = 0; round < 30; ++round) {
+        std::vector<std::unique_ptr<NumericSensor>> sensors;
+        for (unsigned char pid : {0x05, 0x0C, 0x0D}) {
+            sensors.emplace_back(new NumericSensor(Ecu(), speedParameter(pid)));
+            sensors.back()->setProxy(&adapter.proxy);
+            sensors.back()->setUpdateInterval(3);
+            sensors.back()->start();
+        }
+        spin(round % 7);
+        // Destroyed in a different order each round.
+        std::rotate(sensors.begin(), sensors.begin() + round % 3, sensors.end());
+        sensors.clear();
+    }
+    EXPECT_TRUE(WorkerThread::flush(10000));
+    EXPECT_EQ(before, FakeMeasurable::liveCount());
 }
