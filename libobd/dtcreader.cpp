@@ -1,4 +1,5 @@
 #include "dtcreader.h"
+#include "dtc.h"
 
 namespace Obd {
 
@@ -31,18 +32,9 @@ std::string DtcReader::getDescription(const std::string& code) const
 
 std::string DtcReader::getCategory(const std::string& code) const
 {
-    switch (code.at(0)) {
-    case 'P':
-        return "Powertrain";
-    case 'B':
-        return "Body";
-    case 'C':
-        return "Chassis";
-    case 'U':
-        return "Network";
-    default:
-        return "Undefined";
-    }
+    // The checked access: an empty code is a caller's error here.
+    code.at(0);
+    return Dtc::categoryOf(code);
 }
 
 std::vector<std::string> DtcReader::getAllCodes() const

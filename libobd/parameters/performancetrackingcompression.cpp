@@ -1,8 +1,4 @@
 #include "performancetrackingcompression.h"
-#include "ecu.h"
-#include "iscantool.h"
-#include "trlog.h"
-#include "vehicleinfoframes.h"
 
 namespace Obd {
 
@@ -34,6 +30,7 @@ static_assert(sizeof(COUNTER_NAMES) / sizeof(COUNTER_NAMES[0]) == PerformanceTra
 } // namespace
 
 PerformanceTrackingCompression::PerformanceTrackingCompression()
+    : PerformanceTracking(INFO_TYPE, COUNTER_COUNT)
 {
 }
 
@@ -41,73 +38,9 @@ PerformanceTrackingCompression::~PerformanceTrackingCompression()
 {
 }
 
-void PerformanceTrackingCompression::clear()
-{
-    m_counters.clear();
-}
-
-void PerformanceTrackingCompression::buildRequest(std::vector<unsigned char>& request)
-{
-    request.clear();
-    request.push_back(0x09);
-    request.push_back(INFO_TYPE);
-}
-
-void PerformanceTrackingCompression::getSignature(std::vector<unsigned char>& signature)
-{
-    signature.clear();
-    signature.push_back(0x49);
-    signature.push_back(INFO_TYPE);
-}
-
-bool PerformanceTrackingCompression::parsePayload(unsigned int ecuId, const std::vector<unsigned char>& data)
-{
-    std::map<unsigned int, unsigned int> counters;
-    switch (VehicleInfoFrames::decodeCounters(data, INFO_TYPE, isCanProtocol(m_protocol),
-                                              COUNTER_COUNT, counters)) {
-    case VehicleInfoFrames::OK:
-        m_counters[ecuId] = counters;
-        return true;
-    case VehicleInfoFrames::BAD_LENGTH:
-        OBD_ERROR << "Invalid number of data bytes: " << data.size();
-        return false;
-    case VehicleInfoFrames::BAD_HEADER:
-        OBD_ERROR << "Invalid data received";
-        return false;
-    }
-    return false;
-}
-
-std::map<unsigned int, unsigned int> PerformanceTrackingCompression::getCounters(const Ecu& ecu) const
-{
-    auto it = m_counters.find(ecu.getId());
-    if (it == m_counters.end()) {
-        OBD_WARN << "invalid ECU id " << ecu.getId();
-        return std::map<unsigned int, unsigned int>();
-    }
-    return it->second;
-}
-
-unsigned int PerformanceTrackingCompression::getCount(const Ecu& ecu, unsigned int counter) const
-{
-    const std::map<unsigned int, unsigned int> counters = getCounters(ecu);
-    auto it = counters.find(counter);
-    return it == counters.end() ? 0 : it->second;
-}
-
-void PerformanceTrackingCompression::getEcuIds(std::vector<unsigned int>& ids) const
-{
-    for (const auto& entry : m_counters)
-        ids.push_back(entry.first);
-}
-
 std::string PerformanceTrackingCompression::getCounterName(unsigned int counter)
 {
-    if (counter >= COUNTER_COUNT) {
-        OBD_WARN << "Invalid counter: " << counter;
-        return "NA";
-    }
-    return COUNTER_NAMES[counter];
+    return counterName(COUNTER_NAMES, COUNTER_COUNT, counter);
 }
 
 } // namespace Obd

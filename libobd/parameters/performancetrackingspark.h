@@ -1,18 +1,14 @@
 #ifndef OBD_PERFORMANCETRACKINGSPARK_H
 #define OBD_PERFORMANCETRACKINGSPARK_H
 
-#include "obdparameter.h"
+#include "performancetracking.h"
 
-#include <map>
 #include <string>
-#include <vector>
 
 namespace Obd {
 
-class Ecu;
-
 // Service 09 InfoType 08: in-use performance tracking counters, spark ignition.
-class PerformanceTrackingSpark : public ObdParameter
+class PerformanceTrackingSpark : public PerformanceTracking
 {
 public:
     static constexpr unsigned char INFO_TYPE = 0x08;
@@ -45,23 +41,8 @@ public:
     PerformanceTrackingSpark();
     ~PerformanceTrackingSpark() override;
 
-    void clear() override;
-    void buildRequest(std::vector<unsigned char>& request) override;
-    void getSignature(std::vector<unsigned char>& signature) override;
-    bool parsePayload(unsigned int ecuId, const std::vector<unsigned char>& data) override;
-
-    // Counter id to count. Empty (and "invalid ECU id " logged) when the ECU
-    // has no result.
-    std::map<unsigned int, unsigned int> getCounters(const Ecu& ecu) const;
-    // 0 when the ECU has no result or did not send that counter.
-    unsigned int getCount(const Ecu& ecu, unsigned int counter) const;
-    void getEcuIds(std::vector<unsigned int>& ids) const;
-
     // "NA" (and "Invalid counter: " logged) for an id outside the table.
     static std::string getCounterName(unsigned int counter);
-
-private:
-    std::map<unsigned int, std::map<unsigned int, unsigned int>> m_counters;
 };
 
 } // namespace Obd

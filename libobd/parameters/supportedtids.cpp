@@ -1,6 +1,5 @@
 #include "supportedtids.h"
 #include "ecu.h"
-#include "powertrain/supportedpids.h"
 #include "trlog.h"
 
 namespace Obd {
@@ -61,27 +60,18 @@ bool SupportedTids::parsePayload(unsigned int ecuId, const std::vector<unsigned 
         OBD_ERROR << "Invalid length";
         return false;
     }
-    std::vector<unsigned char> list;
-    SupportedPids::decodeBitmap(data[3], data[4], data[5], data[6], list);
-    m_supported[ecuId] = list;
+    m_supported.store(ecuId, data[3], data[4], data[5], data[6]);
     return true;
 }
 
 bool SupportedTids::getSupported(const Ecu& ecu, std::vector<unsigned char>& list) const
 {
-    auto it = m_supported.find(ecu.getId());
-    if (it == m_supported.end()) {
-        OBD_WARN << "invalid ECU id " << ecu.getId();
-        return false;
-    }
-    list = it->second;
-    return true;
+    return m_supported.get(ecu, list);
 }
 
 void SupportedTids::getEcuIds(std::vector<unsigned int>& list) const
 {
-    for (const auto& entry : m_supported)
-        list.push_back(entry.first);
+    m_supported.getEcuIds(list);
 }
 
 } // namespace Obd

@@ -2,6 +2,7 @@
 #define OBD_SUPPORTEDTIDS_H
 
 #include "obdparameter.h"
+#include "supportedlists.h"
 
 #include <map>
 #include <vector>
@@ -35,7 +36,7 @@ public:
 private:
     unsigned char m_tid;
     unsigned char m_sensor;
-    std::map<unsigned int, std::vector<unsigned char>> m_supported;
+    SupportedLists m_supported;
 };
 
 } // namespace Obd

@@ -1,7 +1,6 @@
 #include "supportedvehicleinfos.h"
 #include "ecu.h"
 #include "iscantool.h"
-#include "powertrain/supportedpids.h"
 #include "trlog.h"
 
 namespace Obd {
@@ -49,27 +48,18 @@ bool SupportedVehicleInfos::parsePayload(unsigned int ecuId, const std::vector<u
         return false;
     }
     const size_t n = data.size();
-    std::vector<unsigned char> list;
-    SupportedPids::decodeBitmap(data[n - 4], data[n - 3], data[n - 2], data[n - 1], list);
-    m_supported[ecuId] = list;
+    m_supported.store(ecuId, data[n - 4], data[n - 3], data[n - 2], data[n - 1]);
     return true;
 }
 
 bool SupportedVehicleInfos::getSupported(const Ecu& ecu, std::vector<unsigned char>& list) const
 {
-    auto it = m_supported.find(ecu.getId());
-    if (it == m_supported.end()) {
-        OBD_WARN << "invalid ECU id " << ecu.getId();
-        return false;
-    }
-    list = it->second;
-    return true;
+    return m_supported.get(ecu, list);
 }
 
 void SupportedVehicleInfos::getEcuIds(std::vector<unsigned int>& list) const
 {
-    for (const auto& entry : m_supported)
-        list.push_back(entry.first);
+    m_supported.getEcuIds(list);
 }
 
 } // namespace Obd

@@ -2,6 +2,7 @@
 #define OBD_SUPPORTEDVEHICLEINFOS_H
 
 #include "obdparameter.h"
+#include "supportedlists.h"
 
 #include <map>
 #include <vector>
@@ -30,7 +31,7 @@ public:
 
 private:
     unsigned char m_infoType;
-    std::map<unsigned int, std::vector<unsigned char>> m_supported;
+    SupportedLists m_supported;
 };
 
 } // namespace Obd

@@ -52,38 +52,19 @@ bool SupportedPids::decode(unsigned int ecuId, const std::vector<unsigned char>&
         OBD_ERROR << "Invalid length";
         return false;
     }
-    std::vector<unsigned char> list;
-    decodeBitmap(data[0], data[1], data[2], data[3], list);
-    m_supported[ecuId] = list;
+    m_supported.store(ecuId, data[0], data[1], data[2], data[3]);
     return true;
 }
 
 bool SupportedPids::getSupported(const Ecu& ecu, std::vector<unsigned char>& list) const
 {
-    auto it = m_supported.find(ecu.getId());
-    if (it == m_supported.end()) {
-        OBD_WARN << "invalid ECU id " << ecu.getId();
-        return false;
-    }
-    list = it->second;
-    return true;
+    return m_supported.get(ecu, list);
 }
 
 void SupportedPids::getEcuIds(std::vector<unsigned int>& list) const
 {
-    for (const auto& entry : m_supported)
-        list.push_back(entry.first);
+    m_supported.getEcuIds(list);
 }
 
-void SupportedPids::decodeBitmap(unsigned char b0, unsigned char b1, unsigned char b2,
-                                 unsigned char b3, std::vector<unsigned char>& list)
-{
-    const uint32_t value = (static_cast<uint32_t>(b0) << 24) | (static_cast<uint32_t>(b1) << 16)
-        | (static_cast<uint32_t>(b2) << 8) | b3;
-    for (unsigned int n = 1; n <= 32; ++n) {
-        if (value & (1u << (32 - n)))
-            list.push_back(static_cast<unsigned char>(n));
-    }
-}
 
 } // namespace Obd

@@ -2,6 +2,7 @@
 #define OBD_SUPPORTEDPIDS_H
 
 #include "powertrainparameter.h"
+#include "supportedlists.h"
 
 #include <map>
 #include <memory>
@@ -33,13 +34,11 @@ public:
 
     // Offsets n (1..32) whose bit 32 - n is set in the big-endian value of
     // four bytes; shared by every support bitmap of the library.
-    static void decodeBitmap(unsigned char b0, unsigned char b1, unsigned char b2,
-                             unsigned char b3, std::vector<unsigned char>& list);
 
 private:
     unsigned char m_pid;
     std::unique_ptr<SensorInfo> m_sensorInfo;
-    std::map<unsigned int, std::vector<unsigned char>> m_supported;
+    SupportedLists m_supported;
 };
 
 } // namespace Obd

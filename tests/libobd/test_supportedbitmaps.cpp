@@ -1,4 +1,5 @@
 #include "ecu.h"
+#include "supportedlists.h"
 #include "fakeproxy.h"
 #include "fakescantool.h"
 #include "iscantool.h"
@@ -227,7 +228,7 @@ TEST_F(BitmapDecoding, OffsetsAreBitPositionsCountedFromTheTop)
         SCOPED_TRACE(row.name);
         Bytes b = fromHex(row.bytes);
         Bytes list;
-        SupportedPids::decodeBitmap(b[0], b[1], b[2], b[3], list);
+        SupportedLists::decodeBitmap(b[0], b[1], b[2], b[3], list);
         EXPECT_EQ(row.offsets, list);
 
         SupportedPids pids(1, 0x00);
@@ -288,7 +289,7 @@ TEST_F(BitmapDecoding, NewAnswerReplacesOldAndUnknownEcuIsWarned)
     EXPECT_FALSE(pids.getSupported(Ecu(0x7EA, 3, ""), list));
     LogCapture::Record record = LogCapture::instance().find("invalid ECU id 2026");
     EXPECT_EQ(LOG_WARN, record.level);
-    EXPECT_EQ("libobd/powertrain/supportedpids.cpp", record.file);
+    EXPECT_EQ("libobd/supportedlists.cpp", record.file);
 
     SupportedVehicleInfos infos(0x00);
     EXPECT_FALSE(infos.getSupported(Ecu(0x10, 1, ""), list));
