@@ -373,7 +373,9 @@ int CliApplication::dtc(Session& session, Printer& printer)
     bool pendingOk = execute(session, pending);
     bool statusOk = execute(session, status);
     if (!storedOk && !pendingOk && !statusOk) {
-        m_err << "zarvane-cli: the vehicle did not answer the trouble-code requests\n";
+        // A lost link is reported once, by run(), rather than blamed on the vehicle.
+        if (!session.isLost())
+            m_err << "zarvane-cli: the vehicle did not answer the trouble-code requests\n";
         return EXIT_FAILED;
     }
     QJsonArray list;
@@ -464,7 +466,8 @@ int CliApplication::clear(Session& session, Printer& printer)
     printer.root()["ecus"] = list;
     printer.root()["cleared"] = allCleared;
     if (!allCleared) {
-        m_err << "zarvane-cli: the vehicle refused or did not answer the clear request\n";
+        if (!session.isLost())
+            m_err << "zarvane-cli: the vehicle refused or did not answer the clear request\n";
         return EXIT_FAILED;
     }
     return EXIT_OK;

@@ -20,6 +20,7 @@ Session::Session()
     , m_scantool(nullptr)
     , m_open(false)
     , m_lost(false)
+    , m_lostWhileOpening(false)
 {
 }
 
@@ -32,6 +33,8 @@ void Session::onDisconnected()
 {
     if (m_open)
         m_lost = true;
+    else
+        m_lostWhileOpening = true;
 }
 
 Session::Status Session::open(const Options& options,
@@ -55,7 +58,14 @@ Session::Status Session::open(const Options& options,
     Obd::LinkOpener opener;
     opener.setProgress(progress);
     m_lost = false;
-    switch (opener.open(bus, this, &m_proxy, m_connection, m_scantool)) {
+    m_lostWhileOpening = false;
+    const Obd::LinkOpener::Result result = opener.open(bus, this, &m_proxy, m_connection, m_scantool);
+    // Blaming the adapter or the car for a link that went away misleads the user.
+    if (result != Obd::LinkOpener::LO_OK && m_lostWhileOpening) {
+        why = "the link to the adapter was lost while opening it";
+        return result == Obd::LinkOpener::LO_DISCOVERY_FAILED ? SS_NOT_REACHED : SS_NOT_IDENTIFIED;
+    }
+    switch (result) {
     case Obd::LinkOpener::LO_OK:
         m_open = true;
         return SS_OK;

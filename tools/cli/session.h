@@ -49,6 +49,7 @@ private:
     Obd::IScantool* m_scantool;
     std::atomic<bool> m_open;
     std::atomic<bool> m_lost;
+    std::atomic<bool> m_lostWhileOpening;
 };
 
 } // namespace Cli
