@@ -1,12 +1,25 @@
 #include "zarvane.h"
 
 #include "connectionmanager.h"
+#include "consumptiongauge.h"
+#include "dtcdatamodel.h"
+#include "metergauge.h"
+#include "numericgauge.h"
 #include "navigationmodel.h"
 #include "settingsmodel.h"
 #include "trlog.h"
 #include "viewmodel/bluetoothsearchviewmodel.h"
+#include "viewmodel/dashboardviewmodel.h"
+#include "viewmodel/dtcbrowseviewmodel.h"
+#include "viewmodel/dtcdatabaseviewmodel.h"
+#include "viewmodel/dtcsearchviewmodel.h"
+#include "viewmodel/dtcviewmodel.h"
+#include "viewmodel/ecuinformationviewmodel.h"
+#include "viewmodel/informationviewmodel.h"
+#include "viewmodel/pendingdtcviewmodel.h"
+#include "viewmodel/scantoolinformationviewmodel.h"
+#include "viewmodel/storeddtcviewmodel.h"
 #include "viewmodel/mainviewmodel.h"
-#include "viewmodel/placeholderviewmodel.h"
 #include "viewmodel/settingsviewmodel.h"
 #include "zrvinfo.h"
 #include "zrvquery.h"
@@ -21,7 +34,9 @@ const char* const Zarvane::QML_URI = "org.quillot.zarvane";
 void Zarvane::registerQmlTypes()
 {
     qmlRegisterModule(QML_URI, 1, 0);
-    // Gauge item types join here: qmlRegisterType<...>(QML_URI, 1, 0, "NumericGauge") etc.
+    qmlRegisterType<Obd::NumericGauge>(QML_URI, 1, 0, "NumericGauge");
+    qmlRegisterType<MeterGauge>(QML_URI, 1, 0, "MeterGauge");
+    qmlRegisterType<Obd::ConsumptionGauge>(QML_URI, 1, 0, "ConsumptionGauge");
 }
 
 Zarvane::Zarvane(QObject* rootObject, QQmlContext* rootContext)
@@ -33,6 +48,17 @@ Zarvane::Zarvane(QObject* rootObject, QQmlContext* rootContext)
     , m_mainViewModel(nullptr)
     , m_settingsViewModel(nullptr)
     , m_bluetoothSearchViewModel(nullptr)
+    , m_dtcDataModel(nullptr)
+    , m_dtcViewModel(nullptr)
+    , m_storedDtcViewModel(nullptr)
+    , m_pendingDtcViewModel(nullptr)
+    , m_dtcDatabaseViewModel(nullptr)
+    , m_dtcSearchViewModel(nullptr)
+    , m_dtcBrowseViewModel(nullptr)
+    , m_informationViewModel(nullptr)
+    , m_scantoolInformationViewModel(nullptr)
+    , m_ecuInformationViewModel(nullptr)
+    , m_dashboardViewModel(nullptr)
 {
     // 1-4: navigation, settings, connection manager, main view model.
     m_navigationModel = new NavigationModel(this);
@@ -42,49 +68,39 @@ Zarvane::Zarvane(QObject* rootObject, QQmlContext* rootContext)
     m_navigationModel->setMainViewModel(m_mainViewModel);
     publish(m_mainViewModel);
 
-    // 5-8: trouble codes. Until their classes exist, placeholders keep the screens
-    // reachable; replace each with the real view model (and its data model).
-    // 5. Obd::DtcDataModel(m_connectionManager)
-    // 6. DtcViewModel(m_navigationModel, m_connectionManager, dtcDataModel)
-    PlaceholderViewModel* dtcViewModel = new PlaceholderViewModel(this);
-    m_navigationModel->registerDtcViewModel(dtcViewModel);
-    publish(dtcViewModel);
-    // 7. StoredDtcViewModel(m_connectionManager, dtcDataModel)
-    PlaceholderViewModel* storedDtcViewModel = new PlaceholderViewModel(this);
-    m_navigationModel->registerStoredDtcViewModel(storedDtcViewModel);
-    publish(storedDtcViewModel);
-    // 8. PendingDtcViewModel(m_connectionManager, dtcDataModel)
-    PlaceholderViewModel* pendingDtcViewModel = new PlaceholderViewModel(this);
-    m_navigationModel->registerPendingDtcViewModel(pendingDtcViewModel);
-    publish(pendingDtcViewModel);
+    // 5-8: trouble codes.
+    m_dtcDataModel = new Obd::DtcDataModel(m_connectionManager, this);
+    m_dtcViewModel = new DtcViewModel(m_navigationModel, m_connectionManager, m_dtcDataModel, this);
+    m_navigationModel->registerDtcViewModel(m_dtcViewModel);
+    publish(m_dtcViewModel);
+    m_storedDtcViewModel = new StoredDtcViewModel(m_connectionManager, m_dtcDataModel, this);
+    m_navigationModel->registerStoredDtcViewModel(m_storedDtcViewModel);
+    publish(m_storedDtcViewModel);
+    m_pendingDtcViewModel = new PendingDtcViewModel(m_connectionManager, m_dtcDataModel, this);
+    m_navigationModel->registerPendingDtcViewModel(m_pendingDtcViewModel);
+    publish(m_pendingDtcViewModel);
 
     // 9-11: trouble-code database.
-    // 9. DtcDatabaseViewModel(m_navigationModel)
-    PlaceholderViewModel* dtcDatabaseViewModel = new PlaceholderViewModel(this);
-    m_navigationModel->registerDtcDatabaseViewModel(dtcDatabaseViewModel);
-    publish(dtcDatabaseViewModel);
-    // 10. DtcSearchViewModel
-    PlaceholderViewModel* dtcSearchViewModel = new PlaceholderViewModel(this);
-    m_navigationModel->registerDtcSearchViewModel(dtcSearchViewModel);
-    publish(dtcSearchViewModel);
-    // 11. DtcBrowseViewModel
-    PlaceholderViewModel* dtcBrowseViewModel = new PlaceholderViewModel(this);
-    m_navigationModel->registerDtcBrowseViewModel(dtcBrowseViewModel);
-    publish(dtcBrowseViewModel);
+    m_dtcDatabaseViewModel = new DtcDatabaseViewModel(m_navigationModel, this);
+    m_navigationModel->registerDtcDatabaseViewModel(m_dtcDatabaseViewModel);
+    publish(m_dtcDatabaseViewModel);
+    m_dtcSearchViewModel = new DtcSearchViewModel(this);
+    m_navigationModel->registerDtcSearchViewModel(m_dtcSearchViewModel);
+    publish(m_dtcSearchViewModel);
+    m_dtcBrowseViewModel = new DtcBrowseViewModel(this);
+    m_navigationModel->registerDtcBrowseViewModel(m_dtcBrowseViewModel);
+    publish(m_dtcBrowseViewModel);
 
     // 12-14: information.
-    // 12. InformationViewModel(m_navigationModel, m_connectionManager)
-    PlaceholderViewModel* informationViewModel = new PlaceholderViewModel(this);
-    m_navigationModel->registerInformationViewModel(informationViewModel);
-    publish(informationViewModel);
-    // 13. ScantoolInformationViewModel(m_connectionManager)
-    PlaceholderViewModel* scantoolInformationViewModel = new PlaceholderViewModel(this);
-    m_navigationModel->registerScantoolInformationViewModel(scantoolInformationViewModel);
-    publish(scantoolInformationViewModel);
-    // 14. EcuInformationViewModel(m_connectionManager)
-    PlaceholderViewModel* ecuInformationViewModel = new PlaceholderViewModel(this);
-    m_navigationModel->registerEcuInformationViewModel(ecuInformationViewModel);
-    publish(ecuInformationViewModel);
+    m_informationViewModel = new InformationViewModel(m_navigationModel, m_connectionManager, this);
+    m_navigationModel->registerInformationViewModel(m_informationViewModel);
+    publish(m_informationViewModel);
+    m_scantoolInformationViewModel = new ScantoolInformationViewModel(m_connectionManager, this);
+    m_navigationModel->registerScantoolInformationViewModel(m_scantoolInformationViewModel);
+    publish(m_scantoolInformationViewModel);
+    m_ecuInformationViewModel = new EcuInformationViewModel(m_connectionManager, this);
+    m_navigationModel->registerEcuInformationViewModel(m_ecuInformationViewModel);
+    publish(m_ecuInformationViewModel);
 
     // 15-16: settings and Bluetooth search.
     m_settingsViewModel = new SettingsViewModel(m_settingsModel, m_navigationModel, this);
@@ -94,10 +110,10 @@ Zarvane::Zarvane(QObject* rootObject, QQmlContext* rootContext)
     m_navigationModel->registerBluetoothSearchViewModel(m_bluetoothSearchViewModel);
     publish(m_bluetoothSearchViewModel);
 
-    // 17. DashboardViewModel(m_connectionManager)
-    PlaceholderViewModel* dashboardViewModel = new PlaceholderViewModel(this);
-    m_navigationModel->registerDashboardViewModel(dashboardViewModel);
-    publish(dashboardViewModel);
+    // 17. dashboard.
+    m_dashboardViewModel = new DashboardViewModel(m_connectionManager, this);
+    m_navigationModel->registerDashboardViewModel(m_dashboardViewModel);
+    publish(m_dashboardViewModel);
 
     if (m_rootContext) {
         m_rootContext->setContextProperty("mainViewModel", m_mainViewModel);
@@ -119,6 +135,11 @@ Zarvane::~Zarvane()
 {
     // Children go in creation order: the settings before the manager that reads them.
     m_connectionManager->shutdown();
+    // Whatever holds updaters goes before the manager and its proxy.
+    delete m_dashboardViewModel;
+    m_dashboardViewModel = nullptr;
+    delete m_dtcDataModel;
+    m_dtcDataModel = nullptr;
     // The shared dialog items outlive us only as long as the view does.
     Obd::ZrvQuery::setView(nullptr);
     Obd::ZrvInfo::setView(nullptr);
@@ -158,6 +179,61 @@ SettingsViewModel* Zarvane::settingsViewModel() const
 BluetoothSearchViewModel* Zarvane::bluetoothSearchViewModel() const
 {
     return m_bluetoothSearchViewModel;
+}
+
+Obd::DtcDataModel* Zarvane::dtcDataModel() const
+{
+    return m_dtcDataModel;
+}
+
+DtcViewModel* Zarvane::dtcViewModel() const
+{
+    return m_dtcViewModel;
+}
+
+StoredDtcViewModel* Zarvane::storedDtcViewModel() const
+{
+    return m_storedDtcViewModel;
+}
+
+PendingDtcViewModel* Zarvane::pendingDtcViewModel() const
+{
+    return m_pendingDtcViewModel;
+}
+
+DtcDatabaseViewModel* Zarvane::dtcDatabaseViewModel() const
+{
+    return m_dtcDatabaseViewModel;
+}
+
+DtcSearchViewModel* Zarvane::dtcSearchViewModel() const
+{
+    return m_dtcSearchViewModel;
+}
+
+DtcBrowseViewModel* Zarvane::dtcBrowseViewModel() const
+{
+    return m_dtcBrowseViewModel;
+}
+
+InformationViewModel* Zarvane::informationViewModel() const
+{
+    return m_informationViewModel;
+}
+
+ScantoolInformationViewModel* Zarvane::scantoolInformationViewModel() const
+{
+    return m_scantoolInformationViewModel;
+}
+
+EcuInformationViewModel* Zarvane::ecuInformationViewModel() const
+{
+    return m_ecuInformationViewModel;
+}
+
+DashboardViewModel* Zarvane::dashboardViewModel() const
+{
+    return m_dashboardViewModel;
 }
 
 } // namespace Harmattan

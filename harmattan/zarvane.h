@@ -6,6 +6,7 @@
 class QQmlContext;
 
 namespace Obd {
+class DtcDataModel;
 class SettingsModel;
 }
 
@@ -13,10 +14,20 @@ namespace Harmattan {
 
 class BluetoothSearchViewModel;
 class ConnectionManager;
+class DashboardViewModel;
+class DtcBrowseViewModel;
+class DtcDatabaseViewModel;
+class DtcSearchViewModel;
+class DtcViewModel;
+class EcuInformationViewModel;
+class InformationViewModel;
 class IViewModel;
 class MainViewModel;
 class NavigationModel;
+class PendingDtcViewModel;
+class ScantoolInformationViewModel;
 class SettingsViewModel;
+class StoredDtcViewModel;
 
 // The application object: builds the user interface's object graph over
 // the loaded root QML document and owns all of it.
@@ -39,6 +50,17 @@ public:
     MainViewModel* mainViewModel() const;
     SettingsViewModel* settingsViewModel() const;
     BluetoothSearchViewModel* bluetoothSearchViewModel() const;
+    Obd::DtcDataModel* dtcDataModel() const;
+    DtcViewModel* dtcViewModel() const;
+    StoredDtcViewModel* storedDtcViewModel() const;
+    PendingDtcViewModel* pendingDtcViewModel() const;
+    DtcDatabaseViewModel* dtcDatabaseViewModel() const;
+    DtcSearchViewModel* dtcSearchViewModel() const;
+    DtcBrowseViewModel* dtcBrowseViewModel() const;
+    InformationViewModel* informationViewModel() const;
+    ScantoolInformationViewModel* scantoolInformationViewModel() const;
+    EcuInformationViewModel* ecuInformationViewModel() const;
+    DashboardViewModel* dashboardViewModel() const;
 
 private:
     // Publishes a new view model's data before the next one is created.
@@ -51,6 +73,17 @@ private:
     MainViewModel* m_mainViewModel;
     SettingsViewModel* m_settingsViewModel;
     BluetoothSearchViewModel* m_bluetoothSearchViewModel;
+    Obd::DtcDataModel* m_dtcDataModel;
+    DtcViewModel* m_dtcViewModel;
+    StoredDtcViewModel* m_storedDtcViewModel;
+    PendingDtcViewModel* m_pendingDtcViewModel;
+    DtcDatabaseViewModel* m_dtcDatabaseViewModel;
+    DtcSearchViewModel* m_dtcSearchViewModel;
+    DtcBrowseViewModel* m_dtcBrowseViewModel;
+    InformationViewModel* m_informationViewModel;
+    ScantoolInformationViewModel* m_scantoolInformationViewModel;
+    EcuInformationViewModel* m_ecuInformationViewModel;
+    DashboardViewModel* m_dashboardViewModel;
 };
 
 } // namespace Harmattan

@@ -1,0 +1,85 @@
+#include "dtccodelistviewmodel.h"
+
+#include "connectionmanager.h"
+#include "dtcdatamodel.h"
+#include "dtclistviewdatamodel.h"
+
+#include <QQmlContext>
+#include <QVariant>
+
+namespace Harmattan {
+
+DtcCodeListViewModel::DtcCodeListViewModel(ConnectionManager* connectionManager,
+                                           Obd::DtcDataModel* dataModel, const QString& contextName,
+                                           QObject* parent)
+    : QObject(parent)
+    , m_dataModel(dataModel)
+    , m_connectionManager(connectionManager)
+    , m_viewPresent(false)
+    , m_listModel(new Obd::DtcListViewDataModel(this))
+    , m_contextName(contextName)
+{
+    connect(m_connectionManager, &ConnectionManager::disconnected, this,
+            &DtcCodeListViewModel::onDisconnected);
+}
+
+void DtcCodeListViewModel::setContext(QQmlContext* context)
+{
+    context->setContextProperty(m_contextName, m_listModel);
+}
+
+Obd::DtcListViewDataModel* DtcCodeListViewModel::listModel() const
+{
+    return m_listModel;
+}
+
+void DtcCodeListViewModel::setView(QObject* view)
+{
+    m_view = view;
+    if (!m_view)
+        return;
+    m_viewPresent = true;
+    connect(m_view, &QObject::destroyed, this, &DtcCodeListViewModel::onViewDestroyed);
+    // A screen opened over one not yet destroyed must not add to its rows.
+    m_listModel->reset();
+    if (m_connectionManager->isConnected())
+        m_view->setProperty("connectionStatus", 2);
+    updateView();
+}
+
+void DtcCodeListViewModel::updateView()
+{
+    for (const Obd::Dtc& dtc : codes())
+        m_listModel->append(QString::fromStdString(dtc.getCode()),
+                            QString::fromStdString(dtc.getDescription()),
+                            QString::fromStdString(dtc.getCategory()));
+    if (m_view)
+        m_view->setProperty("listModelCount", m_listModel->rowCount());
+}
+
+void DtcCodeListViewModel::onCodesUpdated(bool success)
+{
+    if (success && m_viewPresent && m_view) {
+        // A new read replaces what the screen shows rather than adding to it.
+        m_listModel->reset();
+        updateView();
+    }
+}
+
+void DtcCodeListViewModel::onViewDestroyed()
+{
+    m_view = nullptr;
+    m_viewPresent = false;
+    m_listModel->reset();
+}
+
+void DtcCodeListViewModel::onDisconnected()
+{
+    if (m_viewPresent && m_view) {
+        m_view->setProperty("connectionStatus", 0);
+        m_view->setProperty("listModelCount", 0);
+    }
+    m_listModel->reset();
+}
+
+} // namespace Harmattan

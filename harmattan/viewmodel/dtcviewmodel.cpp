@@ -1,0 +1,166 @@
+#include "dtcviewmodel.h"
+
+#include "connectionmanager.h"
+#include "dtcdatamodel.h"
+#include "navigationmodel.h"
+#include "zrvquery.h"
+
+#include <QVariant>
+
+namespace Harmattan {
+
+const char* const DtcViewModel::MIL_OFF_IMAGE = "qrc:///mil_off.png";
+const char* const DtcViewModel::MIL_ON_IMAGE = "qrc:///mil_on.png";
+
+namespace {
+
+const char* const CLEAR_TITLE = "Clear diagnostic info?";
+const char* const CLEAR_TEXT
+    = "Clearing the diagnostic info will:\n -reset Check Engine Light\n -clear diagnostic trouble codes\n"
+      " -erase any diagnostic data\n -erase parameter data\n -erase stored freeze frame data\n"
+      " -reset status of test results\n\nIn addition, your vehicle may run poorly while it performs "
+      "recalibration.";
+
+} // namespace
+
+DtcViewModel::DtcViewModel(NavigationModel* navigationModel, ConnectionManager* connectionManager,
+                           Obd::DtcDataModel* dataModel, QObject* parent)
+    : QObject(parent)
+    , m_dataModel(dataModel)
+    , m_navigationModel(navigationModel)
+    , m_connectionManager(connectionManager)
+    , m_confirmation(new Obd::ZrvQuery(this))
+    , m_viewShown(false)
+    , m_connected(connectionManager && connectionManager->isConnected())
+    , m_outstanding(0)
+{
+    m_confirmation->setTitle(CLEAR_TITLE);
+    m_confirmation->setText(CLEAR_TEXT);
+    m_confirmation->setButtonTexts("Clear Codes", "Cancel");
+    connect(m_confirmation, &Obd::ZrvQuery::accepted, this, &DtcViewModel::onClearMilAccepted);
+    connect(m_connectionManager, &ConnectionManager::connected, this, &DtcViewModel::onConnected);
+    connect(m_connectionManager, &ConnectionManager::disconnected, this, &DtcViewModel::onDisconnected);
+    connect(m_dataModel, &Obd::DtcDataModel::storedCodesUpdated, this, &DtcViewModel::onStoredCodesUpdated);
+    connect(m_dataModel, &Obd::DtcDataModel::pendingCodesUpdated, this, &DtcViewModel::onPendingCodesUpdated);
+    connect(m_dataModel, &Obd::DtcDataModel::milStatusUpdated, this, &DtcViewModel::onMilUpdated);
+}
+
+void DtcViewModel::setView(QObject* view)
+{
+    m_view = view;
+    if (!m_view)
+        return;
+    setViewProperty("engineImage", QString::fromLatin1(MIL_OFF_IMAGE));
+    connect(m_view, &QObject::destroyed, this, &DtcViewModel::onViewDestroyed);
+    connect(m_view, SIGNAL(showStoredCodes()), this, SLOT(onShowStoredCodes()));
+    connect(m_view, SIGNAL(showPendingCodes()), this, SLOT(onShowPendingCodes()));
+    connect(m_view, SIGNAL(clearMil()), this, SLOT(onShowMilConfirmation()));
+    m_viewShown = true;
+    if (m_connected) {
+        setViewProperty("connectionStatus", 2);
+        refreshData();
+    }
+}
+
+void DtcViewModel::setContext(QQmlContext*)
+{
+}
+
+Obd::ZrvQuery* DtcViewModel::confirmationDialog() const
+{
+    return m_confirmation;
+}
+
+void DtcViewModel::setViewProperty(const char* name, const QVariant& value)
+{
+    if (m_view)
+        m_view->setProperty(name, value);
+}
+
+void DtcViewModel::refreshData()
+{
+    setViewProperty("busy", true);
+    m_outstanding = 2;
+    m_dataModel->updateStoredCodes();
+    m_dataModel->updatePendingCodes();
+}
+
+void DtcViewModel::codesRead(int count, const char* countProperty)
+{
+    m_outstanding = m_outstanding > 0 ? m_outstanding - 1 : 0;
+    if (m_view && m_viewShown) {
+        setViewProperty(countProperty, count);
+        if (count > 0)
+            setViewProperty("engineImage", QString::fromLatin1(MIL_ON_IMAGE));
+    }
+    if (m_outstanding == 0)
+        setViewProperty("busy", false);
+}
+
+void DtcViewModel::onStoredCodesUpdated(bool)
+{
+    codesRead(static_cast<int>(m_dataModel->storedCodes().size()), "storedDtcCount");
+}
+
+void DtcViewModel::onPendingCodesUpdated(bool)
+{
+    codesRead(static_cast<int>(m_dataModel->pendingCodes().size()), "pendingDtcCount");
+}
+
+void DtcViewModel::onShowMilConfirmation()
+{
+    m_confirmation->show();
+}
+
+void DtcViewModel::onClearMilAccepted()
+{
+    m_dataModel->clearCodes();
+}
+
+void DtcViewModel::onMilUpdated(bool)
+{
+    if (m_viewShown && m_view && m_connected) {
+        setViewProperty("engineImage", QString::fromLatin1(MIL_OFF_IMAGE));
+        refreshData();
+    }
+}
+
+void DtcViewModel::onConnected()
+{
+    m_connected = true;
+    if (m_viewShown && m_view) {
+        setViewProperty("connectionStatus", 2);
+        refreshData();
+    }
+}
+
+void DtcViewModel::onDisconnected()
+{
+    m_connected = false;
+    m_outstanding = 0;
+    if (m_view) {
+        setViewProperty("connectionStatus", 0);
+        setViewProperty("engineImage", QString::fromLatin1(MIL_OFF_IMAGE));
+        setViewProperty("storedDtcCount", 0);
+        setViewProperty("pendingDtcCount", 0);
+        setViewProperty("busy", false);
+    }
+}
+
+void DtcViewModel::onViewDestroyed()
+{
+    m_view = nullptr;
+    m_viewShown = false;
+}
+
+void DtcViewModel::onShowStoredCodes()
+{
+    m_navigationModel->activateView(NavigationModel::StoredDtcView);
+}
+
+void DtcViewModel::onShowPendingCodes()
+{
+    m_navigationModel->activateView(NavigationModel::PendingDtcView);
+}
+
+} // namespace Harmattan

@@ -1,0 +1,19 @@
+#include "pendingdtcviewmodel.h"
+
+#include "dtcdatamodel.h"
+
+namespace Harmattan {
+
+PendingDtcViewModel::PendingDtcViewModel(ConnectionManager* connectionManager,
+                                       Obd::DtcDataModel* dataModel, QObject* parent)
+    : DtcCodeListViewModel(connectionManager, dataModel, "pendingDtcListModel", parent)
+{
+    connect(dataModel, &Obd::DtcDataModel::pendingCodesUpdated, this, &PendingDtcViewModel::onCodesUpdated);
+}
+
+std::vector<Obd::Dtc> PendingDtcViewModel::codes() const
+{
+    return m_dataModel->pendingCodes();
+}
+
+} // namespace Harmattan

@@ -1,0 +1,122 @@
+#include "connectionmanager.h"
+#include "metergauge.h"
+#include "navigationmodel.h"
+#include "simuitest.h"
+#include "viewmodel/dashboardviewmodel.h"
+#include "zarvane.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+using Harmattan::MeterGauge;
+using Harmattan::NavigationModel;
+
+namespace {
+
+using DashboardTest = SimUiTest;
+
+MeterGauge* meter(QObject* page, const char* name)
+{
+    return page ? page->findChild<MeterGauge*>(name) : nullptr;
+}
+
+} // namespace
+
+TEST_F(DashboardTest, ClosedLinkSweepsTheNeedlesAndPollsNothing)
+{
+    startSim(options());
+    QObject* page = open(NavigationModel::DashboardView);
+    ASSERT_EQ(page->objectName(), "dashboardView");
+    MeterGauge* rpm = meter(page, "rpmGauge");
+    MeterGauge* speed = meter(page, "speedGauge");
+    ASSERT_NE(rpm, nullptr);
+    ASSERT_NE(speed, nullptr);
+    EXPECT_EQ(rpm->maximum(), 8000);
+    EXPECT_EQ(speed->maximum(), 240);
+
+    ASSERT_TRUE(waitUntil([&] { return rpm->value() >= 8000 - 0.5 && speed->value() >= 239.5; }, 5000))
+        << "the sweep reaches the maximum";
+    ASSERT_TRUE(waitUntil([&] { return rpm->value() == 0.0 && speed->value() == 0.0
+                                       && !rpm->isAnimating(); }, 5000))
+        << "and returns to 0";
+    spin(1500);
+    EXPECT_EQ(ui->app()->dashboardViewModel()->requestCount(), 0);
+    EXPECT_FALSE(ui->app()->dashboardViewModel()->isRefreshing());
+    EXPECT_EQ(sim->requestCount(), 0);
+    EXPECT_EQ(page->property("connectionStatus").toInt(), 0);
+}
+
+TEST_F(DashboardTest, NeedlesReachTheSimulatorsEngineAndVehicleSpeed)
+{
+    ASSERT_TRUE(connectToSim(options("can11", true)));
+    const double engineRpm = sim->profile().physicalValue(0x7E8, 0x0C, 0.0);
+    const double vehicleSpeed = sim->profile().physicalValue(0x7E8, 0x0D, 0.0);
+    ASSERT_GT(engineRpm, 300.0);
+
+    QObject* page = open(NavigationModel::DashboardView);
+    MeterGauge* rpm = meter(page, "rpmGauge");
+    MeterGauge* speed = meter(page, "speedGauge");
+    ASSERT_NE(rpm, nullptr);
+    ASSERT_NE(speed, nullptr);
+    EXPECT_EQ(page->property("connectionStatus").toInt(), 2);
+
+    // The needles settle on the readings (rpm in quarter steps, km/h whole).
+    ASSERT_TRUE(waitUntil([&] { return std::fabs(rpm->value() - engineRpm) <= 0.5
+                                       && std::fabs(speed->value() - vehicleSpeed) <= 1.0
+                                       && !rpm->isAnimating(); }, 10000))
+        << "rpm " << rpm->value() << " of " << engineRpm << ", speed " << speed->value() << " of "
+        << vehicleSpeed;
+    EXPECT_TRUE(ui->app()->dashboardViewModel()->isRefreshing());
+    QObject* readout = page->findChild<QObject*>("rpmReadout");
+    ASSERT_NE(readout, nullptr);
+    EXPECT_NEAR(readout->property("value").toDouble(), engineRpm, 0.5);
+    EXPECT_EQ(page->findChild<QObject*>("rpmText")->property("text").toString(),
+              QString::number(std::lround(engineRpm)));
+
+    // Polling goes on four times a second and stops with the screen.
+    const int before = ui->app()->dashboardViewModel()->requestCount();
+    spin(1200);
+    EXPECT_GE(ui->app()->dashboardViewModel()->requestCount(), before + 4);
+    EXPECT_TRUE(ui->screenshot("dashboard"));
+    ui->back();
+    EXPECT_FALSE(ui->app()->dashboardViewModel()->isRefreshing());
+}
+
+TEST_F(DashboardTest, RasterisesOnlyWhenTheSizeChanges)
+{
+    QObject* page = open(NavigationModel::DashboardView);
+    MeterGauge* rpm = meter(page, "rpmGauge");
+    ASSERT_NE(rpm, nullptr);
+    spin(300);
+    const int rasters = rpm->rasterCount();
+    EXPECT_GT(rasters, 0);
+    ASSERT_TRUE(waitUntil([&] { return rpm->value() > 1000; }, 3000));
+    ASSERT_TRUE(waitUntil([&] { return rpm->value() == 0.0 && !rpm->isAnimating(); }, 3000));
+    EXPECT_EQ(rpm->rasterCount(), rasters) << "the needle moves without rasterising the dial again";
+    ui->view().resize(600, 1000);
+    ASSERT_TRUE(waitUntil([&] { return rpm->rasterCount() > rasters; }, 3000));
+    ui->view().resize(480, 854);
+}
+
+TEST_F(DashboardTest, ANewReadingStartsFromWhereTheNeedleIs)
+{
+    MeterGauge gauge;
+    gauge.setMaximum(8000);
+    int calibrated = 0;
+    QObject::connect(&gauge, &MeterGauge::calibrationFinished, [&] { ++calibrated; });
+    ASSERT_TRUE(waitUntil([&] { return calibrated > 0; }, 5000));
+    ASSERT_TRUE(waitUntil([&] { return !gauge.isAnimating(); }, 2000));
+    EXPECT_EQ(gauge.value(), 0.0);
+    gauge.setValueAnimated(4000);
+    spin(100);
+    const qreal midway = gauge.value();
+    EXPECT_GT(midway, 0.0);
+    EXPECT_LT(midway, 4000.0);
+    gauge.setValueAnimated(1000);
+    EXPECT_TRUE(gauge.isAnimating());
+    spin(30);
+    EXPECT_LE(std::fabs(gauge.value() - midway), 1000.0) << "no jump back to 0 or to 4000";
+    ASSERT_TRUE(waitUntil([&] { return !gauge.isAnimating(); }, 2000));
+    EXPECT_DOUBLE_EQ(gauge.value(), 1000.0);
+}
