@@ -12,8 +12,8 @@ ZPage {
     objectName: "dashboardView"
     title: "Dashboard"
 
-    readonly property real meterSize: Math.min(availableWidth - 2 * Theme.margin,
-                                               (availableHeight - consumptionPanel.height - 3 * 8) / 2)
+    readonly property real meterSize: Math.min(area.width - 2 * Theme.margin,
+                                               (area.height - consumptionPanel.height - 3 * 8) / 2)
 
     // The digital reading inside a meter's window.
     component Readout: Text {
@@ -28,6 +28,12 @@ ZPage {
         font.pixelSize: meter.height * 0.08
         font.bold: true
         font.family: "DejaVu Sans Mono"
+    }
+
+    // The content area below the header.
+    Item {
+        id: area
+        anchors.fill: parent
     }
 
     NumericGauge {

@@ -36,7 +36,7 @@ ZPage {
             width: parent.width - 2 * Theme.margin
             horizontalAlignment: Text.AlignHCenter
             wrapMode: Text.WordWrap
-            text: page.connectionStatus === 2 ? "Connected: the adapter and the vehicle can be asked."
+            text: page.connectionStatus === 2 ? "Connected to the adapter and the vehicle"
                 : "Not connected: open the connection to read this information."
             color: page.connectionStatus === 2 ? Theme.ok : Theme.textDim
             font.pixelSize: Theme.fontNormal

@@ -80,7 +80,7 @@ TEST_F(DashboardTest, NeedlesReachTheSimulatorsEngineAndVehicleSpeed)
     EXPECT_GE(ui->app()->dashboardViewModel()->requestCount(), before + 4);
     EXPECT_TRUE(ui->screenshot("dashboard"));
     ui->back();
-    EXPECT_FALSE(ui->app()->dashboardViewModel()->isRefreshing());
+    EXPECT_TRUE(waitUntil([&] { return !ui->app()->dashboardViewModel()->isRefreshing(); }, 5000));
 }
 
 TEST_F(DashboardTest, RasterisesOnlyWhenTheSizeChanges)
@@ -119,4 +119,20 @@ TEST_F(DashboardTest, ANewReadingStartsFromWhereTheNeedleIs)
     EXPECT_LE(std::fabs(gauge.value() - midway), 1000.0) << "no jump back to 0 or to 4000";
     ASSERT_TRUE(waitUntil([&] { return !gauge.isAnimating(); }, 2000));
     EXPECT_DOUBLE_EQ(gauge.value(), 1000.0);
+}
+
+// The car of the simulator idles for 30 s, then drives off: a picture of the
+// meters and the consumption estimate while driving.
+TEST_F(DashboardTest, WhileDrivingTheConsumptionEstimateShows)
+{
+    ASSERT_TRUE(connectToSim(options("can11", false)));
+    QObject* page = open(NavigationModel::DashboardView);
+    MeterGauge* speed = meter(page, "speedGauge");
+    ASSERT_NE(speed, nullptr);
+    QObject* consumption = page->findChild<QObject*>("consumptionGauge");
+    ASSERT_NE(consumption, nullptr);
+    ASSERT_TRUE(waitUntil([&] { return speed->value() > 35.0
+                                       && consumption->property("value").toDouble() > 0.0; }, 90000))
+        << "speed " << speed->value() << ", consumption " << consumption->property("value").toDouble();
+    EXPECT_TRUE(ui->screenshot("dashboard_driving"));
 }
