@@ -158,7 +158,9 @@ void ConnectionManager::openThread()
         failOpening(FAILED_TO_INITIALIZE_SCANTOOL);
         return;
     }
-    if (!m_proxy->initialize(m_scantool)) {
+    // A link lost during discovery was not reported (not yet connected):
+    // the proxy may still believe in a vehicle, so check the link itself.
+    if (!m_proxy->initialize(m_scantool) || !m_connection->isConnected()) {
         m_proxy->reset();
         failOpening(FAILED_TO_INITIALIZE_COMMUNICATION);
         return;

@@ -188,6 +188,20 @@ TEST_F(ConnectionTest, VehicleThatDoesNotAnswer)
     expectFailure("Failed to initialize communication");
 }
 
+TEST_F(ConnectionTest, LinkLostDuringDiscovery)
+{
+    // Dropped after the ECUs were found: discovery itself carries on, so
+    // only the link's own state tells the opening failed.
+    ElmSim::ServerOptions options = simOptions();
+    options.dropAfter = 4;
+    startSim(options);
+    expectFailure("Failed to initialize communication");
+    // The next connection works.
+    sim->setDropAfter(-1);
+    clickConnectionButton();
+    ASSERT_TRUE(waitUntil([&] { return status() == 2; }, CONNECT_WAIT_MS));
+}
+
 TEST_F(ConnectionTest, LinkLossWhileConnected)
 {
     startSim(simOptions());
