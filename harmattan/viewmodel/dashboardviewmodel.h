@@ -45,6 +45,7 @@ public:
     int requestCount() const;
 
 signals:
+    // With every engine-speed reading; feeds the NumericGauge "rpmReadout".
     void engineRpmChanged(qreal rpm);
 
 public slots:

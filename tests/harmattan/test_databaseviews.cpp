@@ -210,14 +210,17 @@ TEST_F(DatabaseViewTest, FilterTimeOverTheWholeDatabase)
     const double browseMs = timer.nsecsElapsed() / 1e6 / rounds;
     EXPECT_EQ(ui->app()->dtcBrowseViewModel()->filterModel()->rowCount(), 3260);
 
-    timer.restart();
+    // Creating the page, binding it and filling the list, without the
+    // page transition.
     ui->back();
-    open(*ui, NavigationModel::DtcSearchView);
+    timer.restart();
+    ui->app()->navigationModel()->activateView(NavigationModel::DtcSearchView);
     const double openMs = timer.nsecsElapsed() / 1e6;
+    EXPECT_EQ(ui->app()->dtcSearchViewModel()->filterModel()->rowCount(), 4277);
 
     std::cout << "[ FIGURES  ] search filter change over 4277 rows: " << searchMs
               << " ms per keystroke; browse toggle: " << browseMs
-              << " ms per toggle; closing and reopening the search screen: " << openMs << " ms"
+              << " ms per toggle; opening the search screen with its 4277 rows: " << openMs << " ms"
               << std::endl;
     RecordProperty("search_filter_ms", std::to_string(searchMs));
     RecordProperty("browse_toggle_ms", std::to_string(browseMs));
