@@ -279,7 +279,10 @@ bool FuzzEntries::scantool(const uint8_t* data, size_t size)
     Bytes response;
     tool->sendCommand({ '0', '1', '0', '0' }, response, 100);
     const DeviceInfo info = tool->getDeviceInfo();
-    if (info.name.size() > size || info.version.size() > size || info.description.size() > size)
+    // Texts pass through QString: a byte that is not UTF-8 becomes U+FFFD,
+    // three bytes long, so a text may grow up to three times.
+    if (info.name.size() > 3 * size || info.version.size() > 3 * size ||
+        info.description.size() > 3 * size)
         return false;
     return tool->getProtocol() <= PROTOCOL_UNKNOWN;
 }
