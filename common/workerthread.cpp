@@ -100,8 +100,9 @@ bool WorkerThread::flush(int timeoutMs)
     auto done = std::make_shared<QSemaphore>(0);
     {
         std::lock_guard<std::mutex> lock(instanceMutex());
+        // No thread, or a stopped one: nothing queued can still run.
         if (!s_instance || !s_instance->m_context)
-            return false;
+            return true;
         QMetaObject::invokeMethod(s_instance->m_context, [done]() { done->release(); },
                                   Qt::QueuedConnection);
     }

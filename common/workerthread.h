@@ -25,7 +25,7 @@ public:
     // running. A later instance() starts a new thread.
     static void shutdown();
     // Waits until every request queued on the thread so far has run; false
-    // when that took longer than timeoutMs or there is no thread.
+    // when that took longer than timeoutMs (true at once without a thread).
     static bool flush(int timeoutMs);
 
 private:

@@ -68,7 +68,7 @@ TEST(WorkerThreadDeathTest, ProcessThatNeverUsedItCreatesNothingAtExit)
     EXPECT_EXIT(
         {
             std::atexit(checkNothingCreatedAtExit);
-            if (WorkerThread::exists() || WorkerThread::flush(10))
+            if (WorkerThread::exists() || !WorkerThread::flush(10))
                 _exit(2);
             std::exit(0);
         },
@@ -117,7 +117,7 @@ TEST(WorkerThreadDeathTest, ShutdownStopsItAndALaterUseStartsAFreshOne)
             startSlowExchange(10);
             WorkerThread::flush(5000);
             WorkerThread::shutdown();
-            if (WorkerThread::exists() || WorkerThread::flush(10))
+            if (WorkerThread::exists() || !WorkerThread::flush(10))
                 _exit(2);
             WorkerThread* again = WorkerThread::instance();
             if (!again->isRunning() || !WorkerThread::flush(5000))
