@@ -284,7 +284,7 @@ TEST_F(KwpLengthSplitting, FramesSplitByTheFormatByteLength)
     runRows({
         {"KWP, one ECU, engine speed", PROTOCOL_KWP2000, "84 F1 10 41 0C 1A F8 D6 \r\r>", ER_OK,
          {{0x10, "41 0C 1A F8"}}, {}},
-        {"KWP, spec bytes 83 F1 10 41 00 0D", PROTOCOL_KWP2000, "83 F1 10 41 00 0D 16", ER_OK,
+        {"KWP, three data bytes 83 F1 10 41 00 0D", PROTOCOL_KWP2000, "83 F1 10 41 00 0D 16", ER_OK,
          {{0x10, "41 00 0D"}}, {}},
         {"KWP, supported PIDs", PROTOCOL_KWP2000, "86 F1 10 41 00 BE 3F A8 13 C2 \r\r>", ER_OK,
          {{0x10, "41 00 BE 3F A8 13"}}, {}},
