@@ -1,10 +1,10 @@
 #include "connectionmanager.h"
 
 #include "bluetoothbus.h"
-#include "connection.h"
-#include "elmscantool.h"
+#include "iconnection.h"
 #include "iobdproxy.h"
 #include "iscantool.h"
+#include "linkopener.h"
 #include "obdproxy.h"
 #include "settingsmodel.h"
 #include "tcpbus.h"
@@ -140,31 +140,27 @@ void ConnectionManager::openThread()
         return;
     }
 
-    m_connection = new Obd::Connection(bus);
-    if (m_connection->open(this) != Obd::IMessageBus::OS_OK) {
-        OBD_ERROR << "Connection failed: " << m_connection->errorString();
+    // The one opening dialogue of the library; it cleans up after a failure.
+    Obd::IConnection* connection = nullptr;
+    Obd::IScantool* scantool = nullptr;
+    switch (Obd::LinkOpener().open(bus, this, m_proxy, connection, scantool)) {
+    case Obd::LinkOpener::LO_OK:
+        break;
+    case Obd::LinkOpener::LO_CONNECT_FAILED:
         failOpening(FAILED_TO_CONNECT);
         return;
-    }
-
-    m_scantool = Obd::ElmScantool::create(m_connection);
-    m_scantool->reset();
-    if (!m_scantool->identify()) {
+    case Obd::LinkOpener::LO_IDENTIFY_FAILED:
         failOpening(FAILED_TO_IDENTIFY);
         return;
-    }
-    m_scantool->readDescription();
-    if (!m_scantool->initialize(0)) {
+    case Obd::LinkOpener::LO_INITIALIZE_FAILED:
         failOpening(FAILED_TO_INITIALIZE_SCANTOOL);
         return;
-    }
-    // A link lost during discovery was not reported (not yet connected):
-    // the proxy may still believe in a vehicle, so check the link itself.
-    if (!m_proxy->initialize(m_scantool) || !m_connection->isConnected()) {
-        m_proxy->reset();
+    case Obd::LinkOpener::LO_DISCOVERY_FAILED:
         failOpening(FAILED_TO_INITIALIZE_COMMUNICATION);
         return;
     }
+    m_connection = connection;
+    m_scantool = scantool;
     m_connected = true;
     emit connected();
 }
