@@ -1,4 +1,5 @@
 #include "simuitest.h"
+#include "simlink.h"
 
 #include "connectionmanager.h"
 #include "navigationmodel.h"
@@ -15,11 +16,7 @@ void SimUiTest::TearDown()
 
 ElmSim::ServerOptions SimUiTest::options(const std::string& profile, bool frozen)
 {
-    ElmSim::ServerOptions options;
-    options.port = 0;
-    options.profile = profile;
-    options.resetDelayMs = 0;
-    options.searchDelayMs = 0;
+    ElmSim::ServerOptions options = SimLink::quickOptions(profile);
     options.frozen = frozen;
     return options;
 }

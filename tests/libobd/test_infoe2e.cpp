@@ -2,6 +2,7 @@
 // the ELM scan tool and a TCP link to the simulated adapter, compared with
 // the simulated vehicle's data.
 #include "elmsimserver.h"
+#include "simlink.h"
 #include "iconnection.h"
 #include "iscantool.h"
 #include "linkopener.h"
@@ -41,13 +42,7 @@ class SimVehicle
 public:
     explicit SimVehicle(const std::string& profile)
     {
-        ElmSim::ServerOptions options;
-        options.port = 0;
-        options.profile = profile;
-        options.resetDelayMs = 0;
-        options.searchDelayMs = 0;
-        options.frozen = true;
-        m_server.reset(new ElmSim::ElmSimServer(options));
+        m_server.reset(new ElmSim::ElmSimServer(SimLink::quickOptions(profile)));
     }
 
     ~SimVehicle()

@@ -4,6 +4,7 @@
 
 #include "ecu.h"
 #include "elmsimserver.h"
+#include "simlink.h"
 #include "iconnection.h"
 #include "iscantool.h"
 #include "linkopener.h"
@@ -37,13 +38,7 @@ class LiveVehicle
 public:
     explicit LiveVehicle(const std::string& profile)
     {
-        ElmSim::ServerOptions options;
-        options.port = 0;
-        options.profile = profile;
-        options.frozen = true;
-        options.resetDelayMs = 0;
-        options.searchDelayMs = 0;
-        m_server.reset(new ElmSim::ElmSimServer(options));
+        m_server.reset(new ElmSim::ElmSimServer(SimLink::quickOptions(profile)));
     }
 
     ~LiveVehicle()

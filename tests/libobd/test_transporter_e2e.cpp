@@ -6,6 +6,7 @@
 #include "connection.h"
 #include "elmscantool.h"
 #include "elmsimserver.h"
+#include "simlink.h"
 #include "fakeproxy.h"
 #include "iscantool.h"
 #include "logcapture.h"
@@ -52,13 +53,7 @@ class OpenedAdapter
 public:
     explicit OpenedAdapter(const std::string& profile)
     {
-        ElmSim::ServerOptions options;
-        options.port = 0;
-        options.profile = profile;
-        options.resetDelayMs = 0;
-        options.searchDelayMs = 0;
-        options.frozen = true;
-        server.reset(new ElmSim::ElmSimServer(options));
+        server.reset(new ElmSim::ElmSimServer(SimLink::quickOptions(profile)));
     }
 
     ~OpenedAdapter()
