@@ -86,12 +86,8 @@ bool ObdProxy::findEcus()
     SupportedPids probe(1, 0x00);
     std::vector<unsigned char> request;
     probe.getRequest(protocol, request);
-    std::vector<unsigned char> command;
-    for (unsigned char byte : request) {
-        static const char DIGITS[] = "0123456789abcdef";
-        command.push_back(DIGITS[byte >> 4]);
-        command.push_back(DIGITS[byte & 0x0F]);
-    }
+    const std::string text = ObdTransporter::commandText(request);
+    std::vector<unsigned char> command(text.begin(), text.end());
     std::vector<unsigned char> response;
     if (!m_scantool->sendCommand(command, response, SEARCH_TIMEOUT_MS)) {
         OBD_ERROR << "empty response";

@@ -61,18 +61,6 @@ void hexPrefixToBytes(const std::string& text, size_t maxBytes, std::vector<unsi
     }
 }
 
-std::string toLowerHex(const std::vector<unsigned char>& bytes)
-{
-    static const char DIGITS[] = "0123456789abcdef";
-    std::string text;
-    text.reserve(bytes.size() * 2);
-    for (unsigned char b : bytes) {
-        text.push_back(DIGITS[b >> 4]);
-        text.push_back(DIGITS[b & 0x0F]);
-    }
-    return text;
-}
-
 // Hands each ECU's payload to the parameter in ascending id order; a
 // rejection is noted and the next ECU follows.
 void deliver(unsigned int protocol, unsigned int ecuId, const std::vector<unsigned char>& payload,
@@ -104,7 +92,7 @@ ExchangeResult ObdTransporter::execute(IObdProxy* provider, ObdParameter* parame
     const unsigned int protocol = scantool->getProtocol();
     std::vector<unsigned char> request;
     parameter->getRequest(protocol, request);
-    const std::string command = toLowerHex(request);
+    const std::string command = ObdTransporter::commandText(request);
 
     // A failed send leaves the response empty, which is what counts.
     std::vector<unsigned char> response;
@@ -318,6 +306,18 @@ bool ObdTransporter::parseNonCanResponse(unsigned int protocol, const std::strin
     for (const auto& entry : table)
         deliver(protocol, entry.first, entry.second, parameter);
     return true;
+}
+
+std::string ObdTransporter::commandText(const std::vector<unsigned char>& bytes)
+{
+    static const char DIGITS[] = "0123456789abcdef";
+    std::string text;
+    text.reserve(bytes.size() * 2);
+    for (unsigned char b : bytes) {
+        text.push_back(DIGITS[b >> 4]);
+        text.push_back(DIGITS[b & 0x0F]);
+    }
+    return text;
 }
 
 } // namespace Obd

@@ -36,6 +36,8 @@ public:
     virtual ~ObdTransporter();
 
     ExchangeResult execute(IObdProxy* provider, ObdParameter* parameter);
+    // The adapter's command text of request bytes: lower-case hex, no separators.
+    static std::string commandText(const std::vector<unsigned char>& request);
 
     // The steps of an exchange, public so that each can be checked alone.
     // CAN: takes the identifier off the front of text.
