@@ -52,6 +52,12 @@ std::string hex(unsigned int value, int width = 2)
     return out.str();
 }
 
+// 3 digits for 11-bit CAN ids and source addresses, 8 for 29-bit ids.
+std::string ecuIdText(const Obd::Ecu& ecu)
+{
+    return hex(ecu.getId(), ecu.getId() > 0xFFF ? 8 : 3);
+}
+
 std::string lower(std::string text)
 {
     std::transform(text.begin(), text.end(), text.begin(),
@@ -335,7 +341,7 @@ int CliApplication::info(Session& session, Printer& printer)
         ecu->getSupported(6, mids06);
         ecu->getSupported(9, infos09);
         printer.line();
-        printer.line("ECU " + hex(ecu->getId(), ecu->getId() > 0xFFF ? 8 : 3) + "  " +
+        printer.line("ECU " + ecuIdText(*ecu) + "  " +
                      ecu->getShortName() + " - " + ecu->getLongName());
         printer.line("  OBD standard:        " + ecu->getObdStandardText());
         printer.line("  Service 01 PIDs:     " + hexList(pids01));
@@ -344,7 +350,7 @@ int CliApplication::info(Session& session, Printer& printer)
         printer.line("  Service 09 types:    " + hexList(infos09));
         QJsonObject item;
         item["id"] = static_cast<qint64>(ecu->getId());
-        item["idHex"] = q(hex(ecu->getId(), ecu->getId() > 0xFFF ? 8 : 3));
+        item["idHex"] = q(ecuIdText(*ecu));
         item["shortName"] = q(ecu->getShortName());
         item["longName"] = q(ecu->getLongName());
         item["obdStandard"] = static_cast<int>(ecu->getObdStandard());
@@ -383,7 +389,7 @@ int CliApplication::dtc(Session& session, Printer& printer)
         QJsonObject item;
         item["id"] = static_cast<qint64>(ecu->getId());
         item["name"] = q(ecu->getShortName());
-        printer.line("ECU " + hex(ecu->getId(), ecu->getId() > 0xFFF ? 8 : 3) + "  " +
+        printer.line("ECU " + ecuIdText(*ecu) + "  " +
                      ecu->getShortName());
         auto codes = [&](Obd::DtcParameter& parameter, const char* title, const char* key) {
             std::vector<Obd::Dtc> found;
@@ -456,7 +462,7 @@ int CliApplication::clear(Session& session, Printer& printer)
     for (const Obd::EcuPtr& ecu : ecus(session)) {
         bool cleared = ok && clearCodes.isCleared(*ecu);
         allCleared = allCleared && cleared;
-        printer.line("ECU " + hex(ecu->getId(), ecu->getId() > 0xFFF ? 8 : 3) + "  " +
+        printer.line("ECU " + ecuIdText(*ecu) + "  " +
                      (cleared ? "cleared" : "not cleared"));
         QJsonObject item;
         item["id"] = static_cast<qint64>(ecu->getId());
@@ -574,7 +580,7 @@ int CliApplication::vehicle(Session& session, Printer& printer)
         QJsonObject item;
         item["id"] = static_cast<qint64>(ecu->getId());
         item["name"] = q(ecu->getShortName());
-        printer.line("ECU " + hex(ecu->getId(), ecu->getId() > 0xFFF ? 8 : 3) + "  " +
+        printer.line("ECU " + ecuIdText(*ecu) + "  " +
                      ecu->getShortName() + " - " + ecu->getLongName());
         if (haveVin && vin.hasVin(*ecu)) {
             printer.line("  VIN:              " + vin.getVin(*ecu));
@@ -655,7 +661,7 @@ int CliApplication::tests(Session& session, Printer& printer)
                     std::string unit = Obd::unitText(item->getUnit());
                     std::string name = can ? Obd::MonitorTestResult::getMidName(mid)
                                            : "TID $" + hex(mid);
-                    printer.line("  " + hex(ecu->getId(), ecu->getId() > 0xFFF ? 8 : 3) + " " +
+                    printer.line("  " + ecuIdText(*ecu) + " " +
                                  name + " / " + item->getTidName() + ": " + item->getValueText() +
                                  " [" + item->getMinimumText() + " .. " + item->getMaximumText() +
                                  "] " + unit + (item->isPassed() ? "  pass" : "  FAIL"));
