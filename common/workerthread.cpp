@@ -2,6 +2,7 @@
 
 #include "trlog.h"
 
+#include <QCoreApplication>
 #include <QSemaphore>
 
 #include <cstdlib>
@@ -63,6 +64,13 @@ WorkerThread* WorkerThread::instance()
     std::lock_guard<std::mutex> lock(instanceMutex());
     if (!s_instance) {
         s_instance = new WorkerThread;
+        // Stopped while the application object still exists: once it is
+        // gone, the thread's event loop can no longer run, and whatever was
+        // still queued on it (deferred deletes) would never be delivered.
+        if (QCoreApplication::instance()) {
+            qRemovePostRoutine(destroyAtExit);
+            qAddPostRoutine(destroyAtExit);
+        }
         if (!s_exitHandlerRegistered) {
             s_exitHandlerRegistered = true;
             std::atexit(destroyAtExit);

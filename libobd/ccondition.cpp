@@ -1,5 +1,6 @@
 #include "ccondition.h"
 #include "cmutex.h"
+#include "tsanannotations.h"
 
 namespace Obd {
 
@@ -13,7 +14,13 @@ CCondition::~CCondition()
 
 bool CCondition::wait(CMutex& mutex, unsigned long timeoutMs)
 {
-    return m_condition.wait(&mutex.m_mutex, timeoutMs);
+    // The wait releases the mutex and takes it again inside Qt.
+    OBD_TSAN_PRE_UNLOCK(&mutex);
+    OBD_TSAN_POST_UNLOCK(&mutex);
+    const bool woken = m_condition.wait(&mutex.m_mutex, timeoutMs);
+    OBD_TSAN_PRE_LOCK(&mutex, 0);
+    OBD_TSAN_POST_LOCK(&mutex, 0);
+    return woken;
 }
 
 void CCondition::wakeOne()

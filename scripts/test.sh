@@ -34,7 +34,7 @@ suite build 300 || failed="$failed normal"
 
 # A sanitizer report fails the test that caused it. Qt's own uninstrumented
 # internals are suppressed narrowly, each entry with its reason.
-ASAN_OPTIONS="detect_leaks=1:halt_on_error=1:detect_stack_use_after_return=0" \
+ASAN_OPTIONS="detect_leaks=1:halt_on_error=1:detect_stack_use_after_return=0:fast_unwind_on_malloc=0" \
 UBSAN_OPTIONS="print_stacktrace=1:halt_on_error=1:suppressions=$ROOT/tests/ubsan.supp" \
 LSAN_OPTIONS="suppressions=$ROOT/tests/lsan.supp:print_suppressions=0" \
     suite build-asan 600 -DZARVANE_SANITIZE=ON || failed="$failed asan"

@@ -191,4 +191,6 @@ void UiTest::SetUp()
 void UiTest::TearDown()
 {
     ui.reset();
+    // Items the screens released with deleteLater() go now, not with the process.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
