@@ -137,16 +137,17 @@ void Consumption::onTick()
     // Speed first, so the air-flow reading that follows has a fresh speed.
     if (m_speedUpdater && !m_speedQueued) {
         m_speedQueued = true;
-        QMetaObject::invokeMethod(m_speedUpdater, "update", Qt::AutoConnection);
+        ObdParameterUpdater::requestUpdate(m_speedUpdater, Qt::AutoConnection);
     }
     if (m_airFlowUpdater && !m_airFlowQueued) {
         m_airFlowQueued = true;
-        QMetaObject::invokeMethod(m_airFlowUpdater, "update", Qt::AutoConnection);
+        ObdParameterUpdater::requestUpdate(m_airFlowUpdater, Qt::AutoConnection);
     }
 }
 
 void Consumption::onSpeedDone(bool success)
 {
+    ObdParameterUpdater::resultReceived(m_speedUpdater);
     m_speedQueued = false;
     if (success)
         onSpeedUpdated();
@@ -154,6 +155,7 @@ void Consumption::onSpeedDone(bool success)
 
 void Consumption::onAirFlowDone(bool success)
 {
+    ObdParameterUpdater::resultReceived(m_airFlowUpdater);
     m_airFlowQueued = false;
     if (success)
         onAirFlowUpdated();

@@ -4,6 +4,7 @@
 #include "obdparameter.h"
 #include "obdtransporter.h"
 #include "trlog.h"
+#include "tsanannotations.h"
 
 #include <QElapsedTimer>
 #include <QThread>
@@ -62,6 +63,26 @@ int ObdParameterUpdater::nextAverage(int average, qint64 elapsedMs, unsigned int
     return static_cast<int>(mean);
 }
 
+void ObdParameterUpdater::requestUpdate(ObdParameterUpdater* updater, Qt::ConnectionType type)
+{
+    OBD_TSAN_RELEASE(updater);
+    QMetaObject::invokeMethod(updater, "update", type);
+}
+
+void ObdParameterUpdater::resultReceived(const ObdParameterUpdater* updater)
+{
+    OBD_TSAN_ACQUIRE(updater);
+    (void)updater;
+}
+
+bool ObdParameterUpdater::event(QEvent* event)
+{
+    // Every queued call and the deferred delete arrive here first, on the
+    // worker, after the release of requestUpdate() or dispose().
+    OBD_TSAN_ACQUIRE(this);
+    return QObject::event(event);
+}
+
 void ObdParameterUpdater::update()
 {
     std::lock_guard<std::mutex> lock(m_mutex);
@@ -75,6 +96,7 @@ void ObdParameterUpdater::update()
         ++m_updateCount;
         m_averageUpdateTime = nextAverage(m_averageUpdateTime, stopwatch.elapsed(), m_updateCount);
     }
+    OBD_TSAN_RELEASE(this);
     emit updateDone(success);
 }
 
@@ -104,6 +126,7 @@ void ObdParameterUpdater::dispose(ObdParameterUpdater* updater, ObdParameter* pa
     // The deferred delete is queued behind any pending update(), so the
     // parameter outlives every exchange that can still use it.
     QObject::connect(updater, &QObject::destroyed, [parameter]() { delete parameter; });
+    OBD_TSAN_RELEASE(updater);
     updater->deleteLater();
 }
 

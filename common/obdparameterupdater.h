@@ -45,6 +45,16 @@ public:
     // that thread is not running. Both may be null.
     static void dispose(ObdParameterUpdater* updater, ObdParameter* parameter);
 
+    // Queues update() on the updater's thread (AutoConnection runs it at once
+    // when that thread is the caller's).
+    static void requestUpdate(ObdParameterUpdater* updater,
+                              Qt::ConnectionType type = Qt::QueuedConnection);
+    // Called first by a receiver of updateDone() on another thread, before it
+    // reads the parameter. Qt's event queue orders the exchange's writes
+    // before the call, but ThreadSanitizer cannot see inside Qt; this tells
+    // it. Nothing in other builds.
+    static void resultReceived(const ObdParameterUpdater* updater);
+
     // One step of the running mean: average + (elapsed - average) / count in
     // single precision, truncated toward zero.
     static int nextAverage(int average, qint64 elapsedMs, unsigned int count);
@@ -54,6 +64,9 @@ public slots:
 
 signals:
     void updateDone(bool success);
+
+protected:
+    bool event(QEvent* event) override;
 
 private:
     mutable std::mutex m_mutex;

@@ -184,11 +184,12 @@ void Sensor::runUpdate()
         return;
     }
     m_queued = 1;
-    QMetaObject::invokeMethod(m_updater, "update", Qt::AutoConnection);
+    ObdParameterUpdater::requestUpdate(m_updater, Qt::AutoConnection);
 }
 
 void Sensor::onUpdated(bool success)
 {
+    ObdParameterUpdater::resultReceived(m_updater);
     if (m_queued > 0)
         --m_queued;
     if (success && m_parameter) {

@@ -1,12 +1,14 @@
 #include "workerthread.h"
 
 #include "trlog.h"
+#include "tsanannotations.h"
 
 #include <QCoreApplication>
-#include <QSemaphore>
+#include <QEvent>
 
+#include <chrono>
+#include <condition_variable>
 #include <cstdlib>
-#include <memory>
 #include <mutex>
 
 namespace Obd {
@@ -24,6 +26,47 @@ std::mutex& instanceMutex()
 WorkerThread* s_instance = nullptr;
 bool s_exitHandlerRegistered = false;
 
+// flush() markers: the worker runs its queue in order, so the n-th marker
+// run means every marker up to n has run. Plain C++ synchronisation, which
+// ThreadSanitizer sees (it cannot see inside Qt's semaphores).
+std::mutex s_flushMutex;
+std::condition_variable s_flushed;
+unsigned long long s_flushRequests = 0;
+unsigned long long s_flushesDone = 0;
+
+void markerRan()
+{
+    std::lock_guard<std::mutex> lock(s_flushMutex);
+    ++s_flushesDone;
+    s_flushed.notify_all();
+}
+
+const QEvent::Type MARKER_EVENT = QEvent::User;
+
+// Lives on the worker and runs the markers posted to it.
+class MarkerReceiver : public QObject
+{
+public:
+    bool event(QEvent* event) override
+    {
+        // Pairs with the release before the post: Qt's queue orders them,
+        // but ThreadSanitizer cannot see inside Qt.
+        OBD_TSAN_ACQUIRE(this);
+        if (event->type() != MARKER_EVENT)
+            return QObject::event(event);
+        markerRan();
+        return true;
+    }
+};
+
+// After the thread stopped: markers still queued will never run.
+void forgetPendingMarkers()
+{
+    std::lock_guard<std::mutex> lock(s_flushMutex);
+    s_flushesDone = s_flushRequests;
+    s_flushed.notify_all();
+}
+
 void destroyAtExit()
 {
     WorkerThread::shutdown();
@@ -33,7 +76,7 @@ void destroyAtExit()
 
 WorkerThread::WorkerThread()
     : QThread(nullptr)
-    , m_context(new QObject)
+    , m_context(new MarkerReceiver)
 {
     setObjectName(QStringLiteral("Obd::WorkerThread"));
     // Gives flush() a receiver that lives on this thread.
@@ -54,6 +97,7 @@ bool WorkerThread::stop()
             return false;
     }
     // The thread no longer runs, so deleting its object here cannot race.
+    forgetPendingMarkers();
     delete m_context;
     m_context = nullptr;
     return true;
@@ -105,16 +149,22 @@ void WorkerThread::shutdown()
 
 bool WorkerThread::flush(int timeoutMs)
 {
-    auto done = std::make_shared<QSemaphore>(0);
+    unsigned long long ticket = 0;
     {
         std::lock_guard<std::mutex> lock(instanceMutex());
         // No thread, or a stopped one: nothing queued can still run.
         if (!s_instance || !s_instance->m_context)
             return true;
-        QMetaObject::invokeMethod(s_instance->m_context, [done]() { done->release(); },
-                                  Qt::QueuedConnection);
+        {
+            std::lock_guard<std::mutex> flushLock(s_flushMutex);
+            ticket = ++s_flushRequests;
+        }
+        OBD_TSAN_RELEASE(s_instance->m_context);
+        QCoreApplication::postEvent(s_instance->m_context, new QEvent(MARKER_EVENT));
     }
-    return done->tryAcquire(1, timeoutMs);
+    std::unique_lock<std::mutex> flushLock(s_flushMutex);
+    return s_flushed.wait_for(flushLock, std::chrono::milliseconds(timeoutMs),
+                              [ticket] { return s_flushesDone >= ticket; });
 }
 
 } // namespace Obd

@@ -9,6 +9,7 @@
 #include "settingsmodel.h"
 #include "tcpbus.h"
 #include "trlog.h"
+#include "workerthread.h"
 #include "zrvinfo.h"
 
 #include <QTimer>
@@ -28,6 +29,9 @@ const char* const ConnectionManager::BLUETOOTH_TURNED_ON = "Turned Bluetooth on"
 namespace {
 
 const int CONNECTIVITY_LOST_TIMEOUT_MS = 4000;
+// Longest wait for an exchange in progress when the link closes: a few
+// request time-outs.
+const int CLOSE_WAIT_MS = 5000;
 
 // The one place that decides which proxy serves every connection.
 Obd::IObdProxy* createProxy()
@@ -179,8 +183,18 @@ void ConnectionManager::closeConnection()
     m_connected = false;
     if (!m_connection)
         return;
-    m_proxy->reset();
+    // The screens stop polling and unhook their requests from the proxy;
+    // an exchange already running on the worker still uses the scan tool,
+    // so it must end before anything it uses goes.
     emit disconnected();
+    if (!Obd::WorkerThread::flush(CLOSE_WAIT_MS)) {
+        // Deleting under a running exchange would crash; leaking cannot.
+        OBD_WARN << "exchange still running after " << CLOSE_WAIT_MS << " ms, link left open";
+        m_scantool = nullptr;
+        m_connection = nullptr;
+        return;
+    }
+    m_proxy->reset();
     if (m_connection->isConnected()) {
         if (m_scantool)
             m_scantool->sendReset();

@@ -78,7 +78,8 @@ void DtcDataModel::request(Channel& channel)
         return;
     }
     channel.inFlight = true;
-    QMetaObject::invokeMethod(channel.updater, "update", Qt::QueuedConnection);
+    channel.updater->setProxy(m_connectionManager ? m_connectionManager->proxy() : nullptr);
+    ObdParameterUpdater::requestUpdate(channel.updater);
 }
 
 void DtcDataModel::finished(Channel& channel)
@@ -112,6 +113,7 @@ void DtcDataModel::readCodes(const DtcParameter* parameter, std::vector<Dtc>& li
 
 void DtcDataModel::onStoredCodesUpdated(bool success)
 {
+    ObdParameterUpdater::resultReceived(m_stored.updater);
     // Read before a queued repeat can start writing the parameter again.
     if (success)
         readCodes(m_storedParameter, m_storedCodes);
@@ -122,6 +124,7 @@ void DtcDataModel::onStoredCodesUpdated(bool success)
 
 void DtcDataModel::onPendingCodesUpdated(bool success)
 {
+    ObdParameterUpdater::resultReceived(m_pending.updater);
     if (success)
         readCodes(m_pendingParameter, m_pendingCodes);
     finished(m_pending);
@@ -131,12 +134,16 @@ void DtcDataModel::onPendingCodesUpdated(bool success)
 
 void DtcDataModel::onMilUpdated(bool success)
 {
+    ObdParameterUpdater::resultReceived(m_clear.updater);
     finished(m_clear);
     emit milStatusUpdated(success);
 }
 
 void DtcDataModel::onDisconnected()
 {
+    // Requests still queued on the worker end without an exchange.
+    for (Channel* channel : {&m_stored, &m_pending, &m_clear})
+        channel->updater->setProxy(nullptr);
     m_storedCodes.clear();
     m_pendingCodes.clear();
 }

@@ -129,6 +129,11 @@ void DashboardViewModel::onDisconnected()
 {
     m_connected = false;
     stopRefresh();
+    // Requests still queued on the worker end without an exchange.
+    m_rpmUpdater->setProxy(nullptr);
+    m_speedUpdater->setProxy(nullptr);
+    if (m_consumptionGauge)
+        m_consumptionGauge->consumption()->setProxy(nullptr);
     if (m_view)
         m_view->setProperty("connectionStatus", 0);
 }
@@ -147,17 +152,18 @@ void DashboardViewModel::onStartUpdate()
     if (m_rpmGauge && !m_rpmInFlight) {
         m_rpmInFlight = true;
         ++m_requestCount;
-        QMetaObject::invokeMethod(m_rpmUpdater, "update", Qt::QueuedConnection);
+        Obd::ObdParameterUpdater::requestUpdate(m_rpmUpdater);
     }
     if (m_speedGauge && !m_speedInFlight) {
         m_speedInFlight = true;
         ++m_requestCount;
-        QMetaObject::invokeMethod(m_speedUpdater, "update", Qt::QueuedConnection);
+        Obd::ObdParameterUpdater::requestUpdate(m_speedUpdater);
     }
 }
 
 void DashboardViewModel::onRpmUpdated(bool success)
 {
+    Obd::ObdParameterUpdater::resultReceived(m_rpmUpdater);
     m_rpmInFlight = false;
     if (!success || !m_hasEcu || !m_rpmGauge)
         return;
@@ -168,6 +174,7 @@ void DashboardViewModel::onRpmUpdated(bool success)
 
 void DashboardViewModel::onSpeedUpdated(bool success)
 {
+    Obd::ObdParameterUpdater::resultReceived(m_speedUpdater);
     m_speedInFlight = false;
     if (!success || !m_hasEcu || !m_speedGauge)
         return;

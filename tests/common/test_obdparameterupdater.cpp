@@ -47,7 +47,7 @@ struct UpdaterFixture
     bool runOnce()
     {
         size_t before = results.size();
-        QMetaObject::invokeMethod(updater, "update", Qt::AutoConnection);
+        ObdParameterUpdater::requestUpdate(updater, Qt::AutoConnection);
         EXPECT_TRUE(waitFor([&] { return results.size() > before; }));
         return results.size() > before && results.back();
     }
@@ -244,7 +244,7 @@ TEST(ObdParameterUpdater, AllUpdatersShareOneWorkerAndRunInQueueOrder)
     std::vector<std::string> expected;
     for (int round = 0; round < 3; ++round) {
         for (size_t i = 0; i < updaters.size(); ++i) {
-            QMetaObject::invokeMethod(updaters[i], "update", Qt::AutoConnection);
+            ObdParameterUpdater::requestUpdate(updaters[i], Qt::AutoConnection);
             expected.push_back(commandFor(pids[i]));
         }
     }
@@ -272,8 +272,8 @@ TEST(ObdParameterUpdater, DisposeWaitsForTheQueuedExchangeAndFreesTheParameter)
     ObdParameterUpdater* updater = new ObdParameterUpdater(parameter);
     updater->setProxy(&proxy);
     updater->moveToThread(WorkerThread::instance());
-    QMetaObject::invokeMethod(updater, "update", Qt::AutoConnection);
-    QMetaObject::invokeMethod(updater, "update", Qt::AutoConnection);
+    ObdParameterUpdater::requestUpdate(updater, Qt::AutoConnection);
+    ObdParameterUpdater::requestUpdate(updater, Qt::AutoConnection);
     EXPECT_TRUE(waitFor([&] { return tool.commands().size() >= 1; }));
     ObdParameterUpdater::dispose(updater, parameter);
     EXPECT_TRUE(WorkerThread::flush(5000));

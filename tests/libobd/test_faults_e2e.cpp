@@ -14,6 +14,7 @@
 #include "obdproxy.h"
 #include "obdtransporter.h"
 #include "recordingparameter.h"
+#include "resourcebaseline.h"
 #include "sensorfactory.h"
 #include "simlink.h"
 #include "tcpbus.h"
@@ -21,8 +22,6 @@
 #include "parameters/storedtroublecodes.h"
 
 #include <gtest/gtest.h>
-
-#include <dirent.h>
 
 #include <atomic>
 #include <chrono>
@@ -35,47 +34,6 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 typedef std::vector<unsigned char> Bytes;
-
-int countEntries(const char* path)
-{
-    int count = 0;
-    if (DIR* dir = opendir(path)) {
-        while (dirent* entry = readdir(dir)) {
-            if (entry->d_name[0] != '.')
-                ++count;
-        }
-        closedir(dir);
-    }
-    return count - (std::string(path) == "/proc/self/fd" ? 1 : 0); // the DIR's own descriptor
-}
-
-int openFds() { return countEntries("/proc/self/fd"); }
-int threads() { return countEntries("/proc/self/task"); }
-
-// Descriptors and threads of the process when the test began; compared at
-// its end, after a short grace for threads that are still being joined.
-class ResourceBaseline
-{
-public:
-    ResourceBaseline()
-        : m_fds(openFds())
-        , m_threads(threads())
-    {
-    }
-
-    void expectNothingLeaked() const
-    {
-        const Clock::time_point deadline = Clock::now() + std::chrono::seconds(5);
-        while ((openFds() != m_fds || threads() != m_threads) && Clock::now() < deadline)
-            std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        EXPECT_EQ(m_fds, openFds()) << "open descriptors";
-        EXPECT_EQ(m_threads, threads()) << "threads";
-    }
-
-private:
-    int m_fds;
-    int m_threads;
-};
 
 // One link to a running simulator, opened and closed the way the
 // command-line tool does it; counts the losses the connection reports.

@@ -93,9 +93,10 @@ bool waitFor(const std::function<bool()>& condition, int ms)
 
 TEST(MessagePollerSubscriptions, TwoListenersOnePidPolledAtTheShortestPeriod)
 {
-    PollerRig rig;
+    // Listeners first: the rig stops the poller before they go.
     CountingListener fast;
     CountingListener slow;
+    PollerRig rig;
     rig.poller.addPid(0x0C, rig.factory, 500, &fast);
     rig.poller.addPid(0x0C, rig.factory, 2000, &slow);
     EXPECT_EQ(500, rig.poller.getPeriod(0x0C));
@@ -170,9 +171,9 @@ TEST(MessagePollerThread, EmptyTableSendsNothingAndStops)
 
 TEST(MessagePollerThread, FailedExchangesNotifyNobodyAndLeaveTheAverage)
 {
+    CountingListener listener;
     PollerRig rig;
     rig.scantool.setReply("010c", "NO DATA\r\r>", false);
-    CountingListener listener;
     rig.poller.addPid(0x0C, rig.factory, 100, &listener);
     rig.poller.start();
     ASSERT_TRUE(waitFor([&] { return rig.scantool.commandCount("010c") >= 3; }, 10000));
@@ -183,9 +184,9 @@ TEST(MessagePollerThread, FailedExchangesNotifyNobodyAndLeaveTheAverage)
 
 TEST(MessagePollerThread, AverageResponseTimeFollowsSlowExchanges)
 {
+    CountingListener listener;
     PollerRig rig;
     rig.scantool.setReplyDelayMs(60);
-    CountingListener listener;
     rig.poller.addPid(0x0D, rig.factory, 50, &listener);
     rig.poller.start();
     ASSERT_TRUE(waitFor([&] { return rig.poller.getExchangeCount() >= 3; }, 10000));

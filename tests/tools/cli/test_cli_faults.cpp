@@ -5,6 +5,7 @@
 
 #include "cliapplication.h"
 #include "elmsimserver.h"
+#include "resourcebaseline.h"
 #include "simlink.h"
 
 #include <QJsonArray>
@@ -12,8 +13,6 @@
 #include <QJsonObject>
 
 #include <gtest/gtest.h>
-
-#include <dirent.h>
 
 #include <atomic>
 #include <chrono>
@@ -37,26 +36,12 @@ struct Result
     bool says(const std::string& text) const { return err.find(text) != std::string::npos; }
 };
 
-int countEntries(const char* path)
-{
-    int count = 0;
-    if (DIR* dir = opendir(path)) {
-        while (dirent* entry = readdir(dir)) {
-            if (entry->d_name[0] != '.')
-                ++count;
-        }
-        closedir(dir);
-    }
-    return count - (std::string(path) == "/proc/self/fd" ? 1 : 0); // the DIR's own descriptor
-}
-
 class CliFaults : public ::testing::Test
 {
 protected:
     void SetUp() override
     {
-        m_fds = countEntries("/proc/self/fd");
-        m_threads = countEntries("/proc/self/task");
+        baseline.reset(new ResourceBaseline);
         start(SimLink::quickOptions("can11"));
     }
 
@@ -72,12 +57,7 @@ protected:
     {
         server->stop();
         server.reset();
-        const Clock::time_point deadline = Clock::now() + std::chrono::seconds(5);
-        while ((countEntries("/proc/self/fd") != m_fds || countEntries("/proc/self/task") != m_threads) &&
-               Clock::now() < deadline)
-            std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        EXPECT_EQ(m_fds, countEntries("/proc/self/fd")) << "open descriptors";
-        EXPECT_EQ(m_threads, countEntries("/proc/self/task")) << "threads";
+        baseline->expectNothingLeaked();
     }
 
     Result run(std::vector<std::string> args)
@@ -137,8 +117,7 @@ protected:
     std::unique_ptr<ElmSim::ElmSimServer> server;
 
 private:
-    int m_fds = 0;
-    int m_threads = 0;
+    std::unique_ptr<ResourceBaseline> baseline;
 };
 
 TEST_F(CliFaults, LinkDroppedDuringDiscoverySaysTheLinkWasLost)
