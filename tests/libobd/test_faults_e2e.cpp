@@ -414,7 +414,11 @@ TEST_F(FaultsE2e, LateReplyToATimedOutRequestIsNotTakenForTheNextPid)
         EXPECT_EQ(0x41, call.data[0]);
         EXPECT_EQ(0x0D, call.data[1]) << "engine-speed reply decoded as vehicle speed";
     }
-    // The exchanges after it are back in step: each gets its own reply.
+    // Once the adapter has caught up (its last stale reply is in and is
+    // dropped by the next send), the exchanges are back in step: each gets
+    // its own reply. Without the pause a loaded machine can deliver that
+    // stale reply after the next request, which only the signature catches.
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
     for (int i = 0; i < 3; ++i) {
         RecordingParameter engineSpeed = rpm();
         EXPECT_EQ(Obd::ER_OK, link.execute(engineSpeed));
