@@ -3,14 +3,15 @@
 # exchanges per second through the full stack, discovery time per profile,
 # DTC database construction and lookup, the database filter over 4277 rows,
 # application start-up to the first frame, resident memory after discovery,
-# and the CPU use of a polling client. Against elmsim with no delay and with
+# and the CPU use of a polling client and of the application while its
+# dashboard polls. Against elmsim with no delay and with
 # a 50 ms delay per request. Prints figures; asserts nothing.
 # Usage: scripts/benchmarks.sh [build dir, default build]
 set -e
 cd "$(dirname "$0")/.."
 BUILD="${1:-build}"
 [ -x "$BUILD/tools/cli/zarvane-cli" ] || scripts/build.sh "$BUILD"
-ninja -C "$BUILD" zarvane-cli elmsim bench_discovery >/dev/null
+ninja -C "$BUILD" zarvane-cli elmsim bench_discovery bench_application >/dev/null
 ninja -C "$BUILD" bench_library >/dev/null 2>&1 || echo "(bench_library not built: Google Benchmark missing)"
 SIM="$BUILD/tools/elmsim/elmsim"
 CLI="$BUILD/tools/cli/zarvane-cli"
@@ -108,4 +109,12 @@ for delay in 0 50; do
          "CPU over 10 s of polling: $(echo "scale=3; (${t1:-0} - ${t0:-0}) / $ticks" | bc) s" \
          "($(echo "scale=1; 100 * (${t1:-0} - ${t0:-0}) / $ticks / 10" | bc) % of one core); $samples lines printed"
     rm -f /tmp/zarvane-live.$$
+done
+echo
+echo "## The application: connection, memory, CPU and event loop while the dashboard polls (10 s)"
+for delay in 0 50; do
+    sim_start "$delay"
+    echo "-- elmsim delay $delay ms"
+    "$BUILD/tests/benchmarks/bench_application" "$PORT" 10 2>/dev/null | grep -v "^estimated\|^comsu" || true
+    sim_stop
 done
