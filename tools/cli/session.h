@@ -1,6 +1,7 @@
 #ifndef CLI_SESSION_H
 #define CLI_SESSION_H
 
+#include "iconnection.h"
 #include "idisconnectlistener.h"
 #include "obdproxy.h"
 
@@ -39,7 +40,9 @@ public:
 
     Obd::IObdProxy* proxy() { return &m_proxy; }
     Obd::IScantool* scantool() { return m_scantool; }
-    bool isLost() const { return m_lost; }
+    // Also true as soon as the link knows it is down: an exchange that failed
+    // because the peer went away returns before the loss is reported to us.
+    bool isLost() const { return m_lost || (m_open && m_connection && !m_connection->isConnected()); }
 
     void onDisconnected() override;
 
