@@ -119,6 +119,18 @@ protected:
                          READ_WAIT_MS);
     }
 
+    // Connected to a frozen vehicle, the dashboard open and its engine-speed
+    // needle on the vehicle's value.
+    void openPollingDashboard(QObject*& page, MeterGauge*& rpm, double& engineRpm)
+    {
+        ASSERT_TRUE(connectToSim(options("can11", true)));
+        engineRpm = sim->profile().physicalValue(0x7E8, 0x0C, 0.0);
+        page = open(NavigationModel::DashboardView);
+        rpm = page->findChild<MeterGauge*>("rpmGauge");
+        ASSERT_NE(rpm, nullptr);
+        ASSERT_TRUE(waitUntil([&] { return std::fabs(rpm->value() - engineRpm) <= 0.5; }, READ_WAIT_MS));
+    }
+
     void expectEmptyTroubleCodeScreen(QObject* page)
     {
         ASSERT_TRUE(readsSettle(page, 0, 0)) << "busy " << page->property("busy").toBool();
@@ -174,12 +186,10 @@ TEST_F(ApplicationFaults, LinkDroppedWhileClearingLeavesAnEmptyScreenAndTheNextC
 
 TEST_F(ApplicationFaults, LinkDroppedWhileTheDashboardPollsStopsPollingAndTheNextConnectionResumes)
 {
-    ASSERT_TRUE(connectToSim(options("can11", true)));
-    const double engineRpm = sim->profile().physicalValue(0x7E8, 0x0C, 0.0);
-    QObject* page = open(NavigationModel::DashboardView);
-    MeterGauge* rpm = page->findChild<MeterGauge*>("rpmGauge");
-    ASSERT_NE(rpm, nullptr);
-    ASSERT_TRUE(waitUntil([&] { return std::fabs(rpm->value() - engineRpm) <= 0.5; }, READ_WAIT_MS));
+    QObject* page = nullptr;
+    MeterGauge* rpm = nullptr;
+    double engineRpm = 0.0;
+    ASSERT_NO_FATAL_FAILURE(openPollingDashboard(page, rpm, engineRpm));
     Harmattan::DashboardViewModel* dashboard = ui->app()->dashboardViewModel();
 
     sim->dropNow();
@@ -201,12 +211,10 @@ TEST_F(ApplicationFaults, LinkDroppedWhileTheDashboardPollsStopsPollingAndTheNex
 
 TEST_F(ApplicationFaults, SilentAdapterNeverBlocksTheScreenAndValuesReturnWhenItAnswersAgain)
 {
-    ASSERT_TRUE(connectToSim(options("can11", true)));
-    const double engineRpm = sim->profile().physicalValue(0x7E8, 0x0C, 0.0);
-    QObject* page = open(NavigationModel::DashboardView);
-    MeterGauge* rpm = page->findChild<MeterGauge*>("rpmGauge");
-    ASSERT_NE(rpm, nullptr);
-    ASSERT_TRUE(waitUntil([&] { return std::fabs(rpm->value() - engineRpm) <= 0.5; }, READ_WAIT_MS));
+    QObject* page = nullptr;
+    MeterGauge* rpm = nullptr;
+    double engineRpm = 0.0;
+    ASSERT_NO_FATAL_FAILURE(openPollingDashboard(page, rpm, engineRpm));
     Harmattan::DashboardViewModel* dashboard = ui->app()->dashboardViewModel();
 
     // Every request now waits out its whole time-out on the worker; the
