@@ -23,13 +23,12 @@ DtcDataModel::DtcDataModel(Harmattan::ConnectionManager* connectionManager, QObj
     , m_pendingParameter(new PendingTroubleCodes())
     , m_clearParameter(new ClearTroubleCodes())
 {
-    IObdProxy* proxy = m_connectionManager ? m_connectionManager->proxy() : nullptr;
     m_stored.updater = new ObdParameterUpdater(m_storedParameter);
     m_pending.updater = new ObdParameterUpdater(m_pendingParameter);
     m_clear.updater = new ObdParameterUpdater(m_clearParameter);
     for (Channel* channel : {&m_stored, &m_pending, &m_clear}) {
+        // Each request hands the updater the current proxy (request()).
         channel->updater->moveToThread(m_workerThread);
-        channel->updater->setProxy(proxy);
     }
     connect(m_stored.updater, &ObdParameterUpdater::updateDone, this, &DtcDataModel::onStoredCodesUpdated);
     connect(m_pending.updater, &ObdParameterUpdater::updateDone, this, &DtcDataModel::onPendingCodesUpdated);
