@@ -34,6 +34,7 @@ BluetoothSearchViewModel::~BluetoothSearchViewModel()
 
 void BluetoothSearchViewModel::setView(QObject* view)
 {
+    detachView(m_view, this);
     m_view = view;
     if (!m_view)
         return;

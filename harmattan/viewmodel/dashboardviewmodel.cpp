@@ -59,6 +59,7 @@ DashboardViewModel::~DashboardViewModel()
 
 void DashboardViewModel::setView(QObject* view)
 {
+    detachView(m_view, this);
     m_view = view;
     if (!m_view)
         return;

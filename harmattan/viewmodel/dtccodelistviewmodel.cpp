@@ -35,6 +35,7 @@ Obd::DtcListViewDataModel* DtcCodeListViewModel::listModel() const
 
 void DtcCodeListViewModel::setView(QObject* view)
 {
+    detachView(m_view, this);
     m_view = view;
     if (!m_view)
         return;

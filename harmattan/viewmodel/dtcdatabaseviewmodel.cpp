@@ -14,6 +14,7 @@ DtcDatabaseViewModel::DtcDatabaseViewModel(NavigationModel* navigationModel, QOb
 
 void DtcDatabaseViewModel::setView(QObject* view)
 {
+    detachView(m_view, this);
     m_view = view;
     if (!m_view)
         return;

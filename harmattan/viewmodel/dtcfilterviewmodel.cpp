@@ -74,6 +74,7 @@ QSortFilterProxyModel* DtcFilterViewModel::filterModel() const
 
 void DtcFilterViewModel::setView(QObject* view)
 {
+    detachView(m_view, this);
     m_view = view;
     if (!m_view)
         return;

@@ -47,6 +47,7 @@ DtcViewModel::DtcViewModel(NavigationModel* navigationModel, ConnectionManager* 
 
 void DtcViewModel::setView(QObject* view)
 {
+    detachView(m_view, this);
     m_view = view;
     if (!m_view)
         return;

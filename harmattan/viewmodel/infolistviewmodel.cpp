@@ -32,6 +32,7 @@ Obd::InfoListViewDataModel* InfoListViewModel::listModel() const
 
 void InfoListViewModel::setView(QObject* view)
 {
+    detachView(m_view, this);
     m_view = view;
     if (!m_view)
         return;

@@ -20,6 +20,7 @@ InformationViewModel::InformationViewModel(NavigationModel* navigationModel,
 
 void InformationViewModel::setView(QObject* view)
 {
+    detachView(m_view, this);
     m_view = view;
     if (!m_view)
         return;

@@ -41,6 +41,7 @@ void MainViewModel::setContext(QQmlContext* context)
 
 void MainViewModel::setView(QObject* view)
 {
+    detachView(m_view, this);
     m_view = view;
     if (!m_view)
         return;

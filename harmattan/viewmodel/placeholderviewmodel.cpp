@@ -9,6 +9,7 @@ PlaceholderViewModel::PlaceholderViewModel(QObject* parent)
 
 void PlaceholderViewModel::setView(QObject* view)
 {
+    detachView(m_view, this);
     m_view = view;
     if (m_view)
         connect(m_view, &QObject::destroyed, this, &PlaceholderViewModel::onViewDestroyed);

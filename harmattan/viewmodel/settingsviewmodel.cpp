@@ -73,6 +73,7 @@ SettingsViewModel::SettingsViewModel(Obd::SettingsModel* settings,
 
 void SettingsViewModel::setView(QObject* view)
 {
+    detachView(m_view, this);
     m_view = view;
     if (!m_view)
         return;
