@@ -89,6 +89,17 @@ WorkerThread::~WorkerThread()
     stop();
 }
 
+void WorkerThread::run()
+{
+    exec();
+    // Deletes still queued would otherwise run after this function, out of
+    // reach of the release below.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    // Pairs with the acquire after wait(): Qt's join happens inside Qt,
+    // where ThreadSanitizer cannot see it.
+    OBD_TSAN_RELEASE(this);
+}
+
 bool WorkerThread::stop()
 {
     if (isRunning()) {
@@ -96,6 +107,7 @@ bool WorkerThread::stop()
         if (!wait(STOP_WAIT_MS))
             return false;
     }
+    OBD_TSAN_ACQUIRE(this);
     // The thread no longer runs, so deleting its object here cannot race.
     forgetPendingMarkers();
     delete m_context;

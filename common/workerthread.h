@@ -32,6 +32,7 @@ private:
     WorkerThread();
     // Only shutdown() deletes, and only a thread that has stopped.
     ~WorkerThread() override;
+    void run() override;
     // Stops the thread; false when it was still running after 1000 ms.
     bool stop();
 
