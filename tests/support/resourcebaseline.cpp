@@ -31,7 +31,16 @@ ResourceBaseline::ResourceBaseline()
     // thread the process creates; let it exist before counting.
     std::thread([] {}).join();
     m_descriptors = openDescriptors();
+    // A joined thread can still be listed for a moment while the kernel
+    // finishes its exit: count until two reads agree.
     m_threads = threads();
+    for (int i = 0; i < 100; ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        const int now = threads();
+        if (now == m_threads)
+            break;
+        m_threads = now;
+    }
 }
 
 int ResourceBaseline::openDescriptors()
