@@ -22,20 +22,29 @@ MeterGauge* meter(QObject* page, const char* name)
     return page ? page->findChild<MeterGauge*>(name) : nullptr;
 }
 
+// Pushes the dashboard and returns its page as soon as the gauges exist,
+// before the screen settles: a loaded machine can run most of the start-up
+// sweep by then, so tests watch the needles from here.
+QObject* pushDashboard(UiHarness& ui)
+{
+    ui.app()->navigationModel()->activateView(NavigationModel::DashboardView);
+    QObject* page = nullptr;
+    waitUntil([&] { page = ui.currentPage();
+                    return meter(page, "rpmGauge") && meter(page, "speedGauge"); }, 5000);
+    return page;
+}
+
 } // namespace
 
 TEST_F(DashboardTest, ClosedLinkSweepsTheNeedlesAndPollsNothing)
 {
     startSim(options());
-    // The gauges exist as soon as the page is pushed, before the screen
-    // settles: watch every value the needles pass through from the start,
-    // so a loaded machine cannot miss the frame the sweep spends at the top.
-    ui->app()->navigationModel()->activateView(NavigationModel::DashboardView);
-    MeterGauge* rpm = nullptr;
-    MeterGauge* speed = nullptr;
-    ASSERT_TRUE(waitUntil([&] { rpm = meter(ui->currentPage(), "rpmGauge");
-                                speed = meter(ui->currentPage(), "speedGauge");
-                                return rpm && speed; }, 5000));
+    // Every value the needles pass through, so a loaded machine cannot miss
+    // the frame the sweep spends at the top.
+    QObject* pushed = pushDashboard(*ui);
+    MeterGauge* rpm = meter(pushed, "rpmGauge");
+    MeterGauge* speed = meter(pushed, "speedGauge");
+    ASSERT_TRUE(rpm && speed);
     double rpmTop = rpm->value();
     double speedTop = speed->value();
     QObject::connect(rpm, &MeterGauge::valueChanged, [&] { rpmTop = std::max(rpmTop, rpm->value()); });
@@ -95,11 +104,8 @@ TEST_F(DashboardTest, NeedlesReachTheSimulatorsEngineAndVehicleSpeed)
 
 TEST_F(DashboardTest, RasterisesOnlyWhenTheSizeChanges)
 {
-    // Watched from the page's creation: a loaded machine can run most of
-    // the start-up sweep before the screen settles.
-    ui->app()->navigationModel()->activateView(NavigationModel::DashboardView);
-    MeterGauge* rpm = nullptr;
-    ASSERT_TRUE(waitUntil([&] { return (rpm = meter(ui->currentPage(), "rpmGauge")) != nullptr; }, 5000));
+    MeterGauge* rpm = meter(pushDashboard(*ui), "rpmGauge");
+    ASSERT_NE(rpm, nullptr);
     double top = rpm->value();
     int rasters = -1;
     int movesAfterRaster = 0;

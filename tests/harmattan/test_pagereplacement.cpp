@@ -4,6 +4,7 @@
 #include "simuitest.h"
 #include "viewmodel/dashboardviewmodel.h"
 #include "viewmodel/dtcsearchviewmodel.h"
+#include "viewmodel/iviewmodel.h"
 #include "viewmodel/scantoolinformationviewmodel.h"
 #include "viewmodel/storeddtcviewmodel.h"
 #include "zarvane.h"
@@ -37,6 +38,33 @@ protected:
         EXPECT_TRUE(page) << component.errorString().toStdString();
         return page;
     }
+
+    struct Pages {
+        std::unique_ptr<QObject> old;
+        std::unique_ptr<QObject> current;
+    };
+
+    // Binds a page, then a second one while the first still exists.
+    Pages bindOneOverAnother(Harmattan::IViewModel* viewModel, NavigationModel::View view)
+    {
+        Pages pages { createPage(view), createPage(view) };
+        if (pages.old && pages.current) {
+            viewModel->setView(pages.old.get());
+            viewModel->setView(pages.current.get());
+        }
+        return pages;
+    }
+
+    // The same, then the first page goes; returns the second (null on failure).
+    std::unique_ptr<QObject> replacePage(Harmattan::IViewModel* viewModel, NavigationModel::View view)
+    {
+        Pages pages = bindOneOverAnother(viewModel, view);
+        if (!pages.old)
+            return nullptr;
+        pages.old.reset();
+        spin(50);
+        return std::move(pages.current);
+    }
 };
 
 } // namespace
@@ -46,13 +74,8 @@ TEST_F(PageReplacementTest, ListsKeepTheirRowsWhenTheOldPageGoes)
     ASSERT_TRUE(connectToSim());
 
     Harmattan::ScantoolInformationViewModel* scantool = ui->app()->scantoolInformationViewModel();
-    std::unique_ptr<QObject> oldInfo = createPage(NavigationModel::ScantoolInformationView);
-    std::unique_ptr<QObject> newInfo = createPage(NavigationModel::ScantoolInformationView);
-    ASSERT_TRUE(oldInfo && newInfo);
-    scantool->setView(oldInfo.get());
-    scantool->setView(newInfo.get());
-    oldInfo.reset();
-    spin(50);
+    std::unique_ptr<QObject> newInfo = replacePage(scantool, NavigationModel::ScantoolInformationView);
+    ASSERT_TRUE(newInfo);
     EXPECT_EQ(scantool->listModel()->rowCount(), 3);
     EXPECT_EQ(newInfo->property("listModelCount").toInt(), 3);
 
@@ -65,24 +88,14 @@ TEST_F(PageReplacementTest, ListsKeepTheirRowsWhenTheOldPageGoes)
                                        && dtcPage->property("storedDtcCount").toInt() == codes; },
                           READ_WAIT_MS));
     Harmattan::StoredDtcViewModel* stored = ui->app()->storedDtcViewModel();
-    std::unique_ptr<QObject> oldCodes = createPage(NavigationModel::StoredDtcView);
-    std::unique_ptr<QObject> newCodes = createPage(NavigationModel::StoredDtcView);
-    ASSERT_TRUE(oldCodes && newCodes);
-    stored->setView(oldCodes.get());
-    stored->setView(newCodes.get());
-    oldCodes.reset();
-    spin(50);
+    std::unique_ptr<QObject> newCodes = replacePage(stored, NavigationModel::StoredDtcView);
+    ASSERT_TRUE(newCodes);
     EXPECT_EQ(stored->listModel()->rowCount(), codes);
     EXPECT_EQ(newCodes->property("listModelCount").toInt(), codes);
 
     Harmattan::DtcSearchViewModel* search = ui->app()->dtcSearchViewModel();
-    std::unique_ptr<QObject> oldSearch = createPage(NavigationModel::DtcSearchView);
-    std::unique_ptr<QObject> newSearch = createPage(NavigationModel::DtcSearchView);
-    ASSERT_TRUE(oldSearch && newSearch);
-    search->setView(oldSearch.get());
-    search->setView(newSearch.get());
-    oldSearch.reset();
-    spin(50);
+    std::unique_ptr<QObject> newSearch = replacePage(search, NavigationModel::DtcSearchView);
+    ASSERT_TRUE(newSearch);
     EXPECT_EQ(search->listModel()->rowCount(), 4277);
 
     // The new pages still follow the link.
@@ -97,14 +110,11 @@ TEST_F(PageReplacementTest, DashboardKeepsPollingWhenTheOldPageGoes)
 {
     ASSERT_TRUE(connectToSim());
     Harmattan::DashboardViewModel* dashboard = ui->app()->dashboardViewModel();
-    std::unique_ptr<QObject> oldPage = createPage(NavigationModel::DashboardView);
-    std::unique_ptr<QObject> newPage = createPage(NavigationModel::DashboardView);
-    ASSERT_TRUE(oldPage && newPage);
-    dashboard->setView(oldPage.get());
-    dashboard->setView(newPage.get());
+    Pages pages = bindOneOverAnother(dashboard, NavigationModel::DashboardView);
+    ASSERT_TRUE(pages.old && pages.current);
     ASSERT_TRUE(waitUntil([&] { return dashboard->requestCount() > 0; }, READ_WAIT_MS));
 
-    oldPage.reset();
+    pages.old.reset();
     const int before = dashboard->requestCount();
     EXPECT_TRUE(waitUntil([&] { return dashboard->requestCount() >= before + 4; }, READ_WAIT_MS))
         << "polling stopped with the old page: " << dashboard->requestCount() - before
