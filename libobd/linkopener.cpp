@@ -6,6 +6,7 @@
 namespace Obd {
 
 LinkOpener::LinkOpener()
+    : m_connectStatus(IMessageBus::OS_OK)
 {
 }
 
@@ -16,6 +17,16 @@ LinkOpener::~LinkOpener()
 void LinkOpener::setProgress(const Progress& progress)
 {
     m_progress = progress;
+}
+
+void LinkOpener::setCancelled(const Cancelled& cancelled)
+{
+    m_cancelled = cancelled;
+}
+
+bool LinkOpener::cancelled() const
+{
+    return m_cancelled && m_cancelled();
 }
 
 void LinkOpener::report(const std::string& step)
@@ -30,33 +41,44 @@ LinkOpener::Result LinkOpener::open(IMessageBus* bus, IDisconnectListener* liste
 {
     connection = nullptr;
     scantool = nullptr;
+    m_connectStatus = IMessageBus::OS_OK;
+    m_connectError.clear();
     if (!bus)
         return LO_CONNECT_FAILED;
+    if (cancelled()) {
+        delete bus;
+        return LO_CANCELLED;
+    }
     report("Connecting");
     Connection* link = new Connection(bus);
-    if (link->open(listener) != IMessageBus::OS_OK) {
+    m_connectStatus = link->open(listener);
+    if (m_connectStatus != IMessageBus::OS_OK) {
+        m_connectError = link->errorString();
         delete link;
-        return LO_CONNECT_FAILED;
+        return cancelled() ? LO_CANCELLED : LO_CONNECT_FAILED;
     }
     connection = link;
     Result result = LO_OK;
     scantool = ElmScantool::create(connection);
     report("Identifying adapter");
     scantool->reset();
-    if (!scantool->identify()) {
+    if (cancelled() || !scantool->identify()) {
         result = LO_IDENTIFY_FAILED;
     } else {
         scantool->readDescription();
         report("Initialising adapter");
-        if (!scantool->initialize(0)) {
+        if (cancelled() || !scantool->initialize(0)) {
             result = LO_INITIALIZE_FAILED;
         } else {
             report("Discovering vehicle");
             // A link lost halfway leaves a proxy that believes in a vehicle.
-            if (!proxy || !proxy->initialize(scantool) || !connection->isConnected())
+            if (cancelled() || !proxy || !proxy->initialize(scantool) || !connection->isConnected())
                 result = LO_DISCOVERY_FAILED;
         }
     }
+    // Given up by the user: whatever the last step said, it is no answer.
+    if (cancelled())
+        result = LO_CANCELLED;
     if (result != LO_OK) {
         if (proxy)
             proxy->reset();

@@ -23,25 +23,37 @@ public:
         LO_CONNECT_FAILED,
         LO_IDENTIFY_FAILED,
         LO_INITIALIZE_FAILED,
-        LO_DISCOVERY_FAILED
+        LO_DISCOVERY_FAILED,
+        LO_CANCELLED
     };
 
     typedef std::function<void(const std::string& step)> Progress;
+    typedef std::function<bool()> Cancelled;
 
     LinkOpener();
     virtual ~LinkOpener();
 
     void setProgress(const Progress& progress);
+    // Asked between the steps; a step under way is ended by the bus instead.
+    void setCancelled(const Cancelled& cancelled);
 
     // Takes the bus (also on failure). On success connection and scan tool
     // are the caller's; on failure both are deleted and left null.
     Result open(IMessageBus* bus, IDisconnectListener* listener, IObdProxy* proxy,
                 IConnection*& connection, IScantool*& scantool);
 
+    // Why the connect step failed, kept after the bus is gone.
+    int connectStatus() const { return m_connectStatus; }
+    std::string connectError() const { return m_connectError; }
+
 private:
     void report(const std::string& step);
+    bool cancelled() const;
 
     Progress m_progress;
+    Cancelled m_cancelled;
+    int m_connectStatus;
+    std::string m_connectError;
 };
 
 } // namespace Obd

@@ -1,40 +1,31 @@
 #ifndef OBD_BLUETOOTHBUS_H
 #define OBD_BLUETOOTHBUS_H
 
-#include "ibluetoothbus.h"
+#include "descriptorbus.h"
 
 #include <bluetooth/bluetooth.h>
 #include <bluetooth/rfcomm.h>
 
 #include <string>
-#include <vector>
 
 namespace Obd {
 
 // The Bluetooth bus: a BlueZ RFCOMM socket to the adapter's device address.
-// One thread reads while another writes; nothing here is locked.
-class BluetoothBus : public IBluetoothBus
+class BluetoothBus : public DescriptorBus
 {
 public:
+    // Paging a device that is off or out of range takes longer than a TCP connect.
+    static const int CONNECT_TIMEOUT_MS = 10000;
+
     BluetoothBus();
-    ~BluetoothBus() override;
 
     OpenStatus open() override;
-    bool close() override;
-    // Blocks up to the socket's 500 ms receive time-out; at most 256 bytes.
-    ReadStatus read(std::vector<unsigned char>& buffer) override;
-    // No writability wait and no time-out: never WS_TIMEOUT.
-    WriteStatus write(const std::vector<unsigned char>& data) override;
-    std::string errorString() const override;
-    bool init(const std::string& address, unsigned int channel) override;
+    // Only while closed. address is "XX:XX:XX:XX:XX:XX"; only the low byte
+    // of channel is used.
+    bool init(const std::string& address, unsigned int channel);
 
 private:
-    BluetoothBus(const BluetoothBus&) = delete;
-    BluetoothBus& operator=(const BluetoothBus&) = delete;
-
-    int socket_;
     struct sockaddr_rc address_;
-    int lastError_;
 };
 
 } // namespace Obd

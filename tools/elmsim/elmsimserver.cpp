@@ -15,6 +15,7 @@
 #include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/socket.h>
+#include <termios.h>
 #include <unistd.h>
 
 namespace ElmSim {
@@ -99,6 +100,26 @@ bool ElmSimServer::start()
     m_stopping = false;
     m_epoch = std::chrono::steady_clock::now();
     m_thread = std::thread(&ElmSimServer::run, this);
+    return true;
+}
+
+bool ElmSimServer::startOnTerminal(int fd)
+{
+    if (m_thread.joinable() || !m_profileValid || ::pipe2(m_wakePipe, O_CLOEXEC | O_NONBLOCK) != 0) {
+        m_error = "cannot serve the terminal";
+        return false;
+    }
+    m_terminalFd = fd;
+    m_stopping = false;
+    m_epoch = std::chrono::steady_clock::now();
+    m_thread = std::thread([this] {
+        while (!m_stopping) {
+            serveClient(m_terminalFd);
+            // No one on the other side yet, or gone: look again shortly.
+            pollfd wake{ m_wakePipe[0], POLLIN, 0 };
+            ::poll(&wake, 1, 100);
+        }
+    });
     return true;
 }
 
@@ -194,11 +215,18 @@ void ElmSimServer::serveClient(int fd)
     while (!m_stopping && !m_dropRequested && !link.failed()) {
         if (!waitReadable(fd, -1))
             return;
-        const ssize_t n = ::recv(fd, buffer, sizeof(buffer), 0);
+        const ssize_t n = ::read(fd, buffer, sizeof(buffer));
         if (n < 0 && errno == EINTR)
             continue;
         if (n <= 0)
             return;
+        termios settings{};
+        if (fd == m_terminalFd && m_options.lineSpeed != 0
+            && (::tcgetattr(fd, &settings) != 0 || ::cfgetospeed(&settings) != m_options.lineSpeed)) {
+            // Read at the wrong rate: the host gets noise, never a prompt.
+            link.send("\xFE\x80\xF8");
+            continue;
+        }
         for (ssize_t i = 0; i < n; ++i) {
             const char c = buffer[i];
             // CR ends a command; LF does too, except straight after a CR.

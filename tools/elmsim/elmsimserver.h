@@ -27,6 +27,9 @@ public:
     ~ElmSimServer();
 
     bool start();
+    // Serves the master side of a pseudo-terminal instead of listening; the
+    // descriptor stays the caller's and must outlive stop().
+    bool startOnTerminal(int fd);
     void stop();
     unsigned short port() const;
     std::string errorString() const;
@@ -62,6 +65,7 @@ private:
     std::chrono::steady_clock::time_point m_epoch;
 
     int m_listenFd;
+    int m_terminalFd = -1;
     int m_wakePipe[2];
     unsigned short m_port;
     std::string m_error;

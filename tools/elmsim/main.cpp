@@ -10,6 +10,8 @@
 #include <cstring>
 #include <string>
 #include <pthread.h>
+#include <pty.h>
+#include <termios.h>
 #include <signal.h>
 
 namespace {
@@ -23,6 +25,8 @@ const char* const HELP =
     "Connection:\n"
     "  --host HOST          address to listen on (default 127.0.0.1)\n"
     "  --port PORT          TCP port (default 35000; 0 picks a free one)\n"
+    "  --pty                serve a pseudo-terminal instead and print its path\n"
+    "                       (a serial adapter: zarvane-cli --serial PATH)\n"
     "\n"
     "Vehicle:\n"
     "  --profile NAME       vehicle profile (default can11), see --list-profiles\n"
@@ -72,6 +76,7 @@ int main(int argc, char** argv)
 {
     ElmSim::ServerOptions options;
     bool errorCountGiven = false;
+    bool pty = false;
     for (int i = 1; i < argc; ++i) {
         const std::string arg = argv[i];
         const bool hasValue = i + 1 < argc;
@@ -89,6 +94,8 @@ int main(int argc, char** argv)
                 std::printf("%-10s %s\n", name.c_str(), profile.summary.c_str());
             }
             return 0;
+        } else if (arg == "--pty") {
+            pty = true;
         } else if (arg == "--host" && hasValue) {
             options.host = argv[++i];
         } else if (arg == "--port") {
@@ -154,12 +161,25 @@ int main(int argc, char** argv)
     std::signal(SIGPIPE, SIG_IGN);
 
     ElmSim::ElmSimServer server(options);
-    if (!server.start()) {
+    // The terminal's slave side stays open here, so that clients may come and go.
+    int master = -1;
+    int slave = -1;
+    char terminal[256] = "";
+    termios raw{};
+    ::cfmakeraw(&raw);
+    if (pty && ::openpty(&master, &slave, terminal, &raw, nullptr) != 0) {
+        std::fprintf(stderr, "elmsim: cannot create a pseudo-terminal: %s\n", std::strerror(errno));
+        return 1;
+    }
+    if (!(pty ? server.startOnTerminal(master) : server.start())) {
         std::fprintf(stderr, "elmsim: %s\n", server.errorString().c_str());
         return 1;
     }
-    std::printf("elmsim: profile %s listening on %s:%u\n", options.profile.c_str(), options.host.c_str(),
-                static_cast<unsigned int>(server.port()));
+    if (pty)
+        std::printf("elmsim: profile %s on terminal %s\n", options.profile.c_str(), terminal);
+    else
+        std::printf("elmsim: profile %s listening on %s:%u\n", options.profile.c_str(),
+                    options.host.c_str(), static_cast<unsigned int>(server.port()));
     std::fflush(stdout);
     int received = 0;
     sigwait(&stopSignals, &received);

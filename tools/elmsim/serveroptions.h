@@ -24,6 +24,8 @@ struct ServerOptions {
     bool frozen = false;                  // live values fixed at their t=0 values
     std::string banner;                   // identity text; empty: "ELM327 v1.5"
     bool identify = true;                 // false: ATZ/ATI answer "?"
+    unsigned int lineSpeed = 0;           // on a terminal: the termios speed (B38400...)
+                                          // it must be set to, else noise comes back; 0 any
 };
 
 } // namespace ElmSim

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <poll.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 namespace ElmSim {
 
@@ -18,7 +19,9 @@ void SocketLink::send(const std::string& text)
 {
     size_t sent = 0;
     while (sent < text.size() && !m_failed) {
-        const ssize_t n = ::send(m_socketFd, text.data() + sent, text.size() - sent, MSG_NOSIGNAL);
+        ssize_t n = ::send(m_socketFd, text.data() + sent, text.size() - sent, MSG_NOSIGNAL);
+        if (n < 0 && errno == ENOTSOCK)
+            n = ::write(m_socketFd, text.data() + sent, text.size() - sent);
         if (n < 0) {
             if (errno == EINTR)
                 continue;

@@ -7,7 +7,7 @@
 
 namespace ElmSim {
 
-// AdapterLink over a connected TCP socket. Pauses end early when the
+// AdapterLink over a connected TCP socket or a terminal. Pauses end early when the
 // server's wake pipe becomes readable (stop or drop requested).
 class SocketLink : public AdapterLink
 {
