@@ -15,6 +15,9 @@ const double GPS_TO_LB_PER_MIN = 0.132277357;
 const double GRAMS_TO_POUNDS = 0.00220462262;
 const double PA_TO_INH2O = 0.0040146309;
 const double MM_TO_INCH = 0.0393700787;
+const double LITRES_TO_US_GALLONS = 0.264172052;
+const double NM_TO_LBFT = 0.737562149;
+const double KG_TO_POUNDS = 2.20462262;
 
 inline double kmhToMph(double kmh) { return kmh * KM_TO_MILES; }
 inline double kmToMiles(double km) { return km * KM_TO_MILES; }
@@ -27,6 +30,9 @@ inline double gramsToPounds(double g) { return g * GRAMS_TO_POUNDS; }
 inline double paToInH2O(double pa) { return pa * PA_TO_INH2O; }
 inline double kpaToInH2O(double kpa) { return kpa * 1000.0 * PA_TO_INH2O; }
 inline double mmToInch(double mm) { return mm * MM_TO_INCH; }
+inline double litresToGallons(double l) { return l * LITRES_TO_US_GALLONS; }
+inline double nmToLbFt(double nm) { return nm * NM_TO_LBFT; }
+inline double kgToPounds(double kg) { return kg * KG_TO_POUNDS; }
 
 } // namespace UnitConversion
 } // namespace Obd

@@ -12,11 +12,12 @@ const char* const UNIT_TEXTS[] = {
     "km",        "V/ms",   "g/s",      "kPa/s",     "kg/h",      "switches", "g/cyl",
     "mg/stroke", "L",      "mm",       "g",         "\u00b5s",   "mm2",     "Pa/s",
     "mV/s",      "Pa",     "PSI",      "miles",     "lb/s",      "inH2O/s", "inch",
-    "lbs",       "inH2O",  "min",      "lb/min",    "inHg",      "H20"
+    "lbs",       "inH2O",  "min",      "lb/min",    "inHg",      "H20",     "\u00b0",
+    "L/h",       "gal/h",  "Nm",       "lb-ft",     "lb/h"
 };
 
 const unsigned int UNIT_COUNT = sizeof(UNIT_TEXTS) / sizeof(UNIT_TEXTS[0]);
-static_assert(sizeof(UNIT_TEXTS) / sizeof(UNIT_TEXTS[0]) == 48, "48 unit texts");
+static_assert(sizeof(UNIT_TEXTS) / sizeof(UNIT_TEXTS[0]) == 54, "54 unit texts");
 
 } // namespace
 

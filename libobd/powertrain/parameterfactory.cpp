@@ -12,8 +12,10 @@
 #include "enginerpm.h"
 #include "engineruntime.h"
 #include "evaporativepurge.h"
+#include "extendedpid.h"
 #include "freezeframetroublecode.h"
 #include "fuellevelinput.h"
+#include "fueltype.h"
 #include "fuelpressure.h"
 #include "fuelrailpressure.h"
 #include "fuelsystem.h"
@@ -96,6 +98,11 @@ const std::map<unsigned char, Creator>& creators()
         { 0x1E, make<AuxiliaryInputStatus> },
         { 0x1F, make<EngineRuntime> },
         { 0x20, makeSupportedPids<0x20> },
+        { 0x40, makeSupportedPids<0x40> },
+        { 0x51, make<FuelType> },
+        { 0x60, makeSupportedPids<0x60> },
+        { 0x80, makeSupportedPids<0x80> },
+        { 0xA0, makeSupportedPids<0xA0> },
         { 0x21, make<MilDistance> },
         { 0x22, make<RelativeFuelRailPressure> },
         { 0x23, make<FuelRailPressure> },
@@ -131,6 +138,18 @@ const std::map<unsigned char, Creator>& creators()
     return table;
 }
 
+// Rows without a class of their own: numeric PIDs read by ExtendedPid.
+bool isExtended(unsigned char pid)
+{
+    const PidRow* row = PidTable::find(pid);
+    return row && !creators().count(pid) && row->values[0].formula;
+}
+
+bool isKnown(unsigned char pid)
+{
+    return creators().count(pid) || isExtended(pid);
+}
+
 std::string lowerCase(std::string text)
 {
     std::transform(text.begin(), text.end(), text.begin(),
@@ -145,14 +164,18 @@ PowertrainParameter* ParameterFactory::create(unsigned char pid, unsigned char m
     if (mode != 1 && mode != 2)
         return nullptr;
     auto it = creators().find(pid);
-    return it == creators().end() ? nullptr : it->second(mode);
+    if (it != creators().end())
+        return it->second(mode);
+    return isExtended(pid) ? new ExtendedPid(pid, mode) : nullptr;
 }
 
 std::vector<unsigned char> ParameterFactory::knownPids()
 {
     std::vector<unsigned char> pids;
-    for (const auto& entry : creators())
-        pids.push_back(entry.first);
+    for (unsigned int pid = 0; pid <= 0xFF; ++pid) {
+        if (isKnown(static_cast<unsigned char>(pid)))
+            pids.push_back(static_cast<unsigned char>(pid));
+    }
     return pids;
 }
 
@@ -164,7 +187,7 @@ int ParameterFactory::pidByName(const std::string& name)
     if (wanted.size() > 2 && wanted.size() <= 4 && wanted.compare(0, 2, "0x") == 0) {
         char* end = nullptr;
         long pid = std::strtol(wanted.c_str() + 2, &end, 16);
-        if (*end == '\0' && pid >= 0 && creators().count(static_cast<unsigned char>(pid)))
+        if (*end == '\0' && pid >= 0 && isKnown(static_cast<unsigned char>(pid)))
             return static_cast<int>(pid);
         return -1;
     }

@@ -62,6 +62,34 @@ float catalystTemperature(const std::vector<unsigned char>& d)
     return static_cast<float>(static_cast<int>(wordAt(d, 0) / 10.0 - 40.0));
 }
 
+// PIDs 0x40 and above. Their exact J1979 resolutions (1/32768, 1/200, ...)
+// are powers of two or short decimals: no deliberate divisors here.
+float thousandthsAB(const std::vector<unsigned char>& d) { return wordAt(d, 0) / 1000.0f; }
+float percentOf255AB(const std::vector<unsigned char>& d) { return wordAt(d, 0) * 100.0f / 255.0f; }
+float ratioAB(const std::vector<unsigned char>& d) { return wordAt(d, 0) / 32768.0f; }
+float tenTimesA(const std::vector<unsigned char>& d) { return d[0] * 10.0f; }
+float twoHundredthsAB(const std::vector<unsigned char>& d) { return wordAt(d, 0) / 200.0f; }
+float signedAB(const std::vector<unsigned char>& d) { return static_cast<float>(static_cast<int16_t>(wordAt(d, 0))); }
+float trimB(const std::vector<unsigned char>& d) { return percentAround128(d[1]); }
+float injectionTiming(const std::vector<unsigned char>& d)
+{
+    return (static_cast<int>(wordAt(d, 0)) - 26880) / 128.0f;
+}
+float twentiethsAB(const std::vector<unsigned char>& d) { return wordAt(d, 0) / 20.0f; }
+float minus125(const std::vector<unsigned char>& d) { return static_cast<float>(static_cast<int>(d[0]) - 125); }
+float fiftiethsAB(const std::vector<unsigned char>& d) { return wordAt(d, 0) / 50.0f; }
+float fiftiethsCD(const std::vector<unsigned char>& d) { return wordAt(d, 2) / 50.0f; }
+float fifthsAB(const std::vector<unsigned char>& d) { return wordAt(d, 0) / 5.0f; }
+float thirtySecondsAB(const std::vector<unsigned char>& d) { return wordAt(d, 0) / 32.0f; }
+float tenthsABCD(const std::vector<unsigned char>& d)
+{
+    return static_cast<float>((static_cast<double>(wordAt(d, 0)) * 65536.0 + wordAt(d, 2)) / 10.0);
+}
+float tenthsMinus40AB(const std::vector<unsigned char>& d) { return wordAt(d, 0) / 10.0f - 40.0f; }
+// Multi-sensor PIDs lead with a byte that says which sensors are present.
+float sensor1Minus40(const std::vector<unsigned char>& d) { return static_cast<float>(static_cast<int>(d[1]) - 40); }
+float sensor2Minus40(const std::vector<unsigned char>& d) { return static_cast<float>(static_cast<int>(d[2]) - 40); }
+
 // ---------------------------------------------------------------------------
 // Row builders
 // ---------------------------------------------------------------------------
@@ -103,6 +131,12 @@ std::vector<PidRow> buildTable()
     const PidValue lambda = same("Equivalence Ratio", equivalenceRatioAB, UNIT_NONE, 0, 1.999, { 2, 3, 3 });
     const PidValue wideV = same("Voltage", voltageCD, UNIT_VOLT, 0, 7.999, { 2, 3, 3 });
     const PidValue wideMa = same("Current", currentCD, UNIT_MILLIAMPERE, -128, 127.996, { 2, 2, 2 });
+    const PidValue torque = same(nullptr, minus125, UNIT_PERCENT, -125, 130, { 1, 0, 0 });
+    const PidValue minutes = same(nullptr, wordAB, UNIT_MINUTE, 0, 65535, { 0, 0, 0 });
+    const PidValue secondaryTrim1 = same("Bank 1", trimA, UNIT_PERCENT, -100, 99.22, { 2, 1, 1 });
+    const PidValue secondaryTrim3 = same("Bank 3", trimB, UNIT_PERCENT, -100, 99.22, { 2, 1, 1 });
+    const PidValue secondaryTrim2 = same("Bank 2", trimA, UNIT_PERCENT, -100, 99.22, { 2, 1, 1 });
+    const PidValue secondaryTrim4 = same("Bank 4", trimB, UNIT_PERCENT, -100, 99.22, { 2, 1, 1 });
 
     return {
         // PID  class                                  name text                                          alias          bytes  oxygen group   values
@@ -169,6 +203,45 @@ std::vector<PidRow> buildTable()
         { 0x3D, "CatalystTemperatureBank2Sensor1",     "Catalyst Temperature Bank 2, Sensor 1",           "cat21",       2, 2, O2_NONE, 1, { catalyst } },
         { 0x3E, "CatalystTemperatureBank1Sensor2",     "Catalyst Temperature Bank 1, Sensor 2",           "cat12",       2, 2, O2_NONE, 1, { catalyst } },
         { 0x3F, "CatalystTemperatureBank2Sensor2",     "Catalyst Temperature Bank 2, Sensor 2",           "cat22",       2, 2, O2_NONE, 1, { catalyst } },
+        // From here on the rows are read by one generic class (ExtendedPid).
+        { 0x42, "ExtendedPid", "Control module voltage",                           "voltage",     2, 2, O2_NONE, 1, { same(nullptr, thousandthsAB, UNIT_VOLT, 0, 65.535, { 2, 2, 2 }) } },
+        { 0x43, "ExtendedPid", "Absolute load value",                              "absload",     2, 2, O2_NONE, 1, { same(nullptr, percentOf255AB, UNIT_PERCENT, 0, 25700, { 2, 1, 1 }) } },
+        { 0x44, "ExtendedPid", "Commanded equivalence ratio",                      "lambda",      2, 2, O2_NONE, 1, { same(nullptr, ratioAB, UNIT_NONE, 0, 2, { 2, 3, 3 }) } },
+        { 0x45, "ExtendedPid", "Relative throttle position",                       "relthrottle", 1, 1, O2_NONE, 1, { percent } },
+        { 0x46, "ExtendedPid", "Ambient air temperature",                          "ambient",     1, 1, O2_NONE, 1, { temperature } },
+        { 0x47, "ExtendedPid", "Absolute throttle position B",                     "throttleb",   1, 1, O2_NONE, 1, { percent } },
+        { 0x48, "ExtendedPid", "Absolute throttle position C",                     "throttlec",   1, 1, O2_NONE, 1, { percent } },
+        { 0x49, "ExtendedPid", "Accelerator pedal position D",                     "pedald",      1, 1, O2_NONE, 1, { percent } },
+        { 0x4A, "ExtendedPid", "Accelerator pedal position E",                     "pedale",      1, 1, O2_NONE, 1, { percent } },
+        { 0x4B, "ExtendedPid", "Accelerator pedal position F",                     "pedalf",      1, 1, O2_NONE, 1, { percent } },
+        { 0x4C, "ExtendedPid", "Commanded throttle actuator",                      "throttlecmd", 1, 1, O2_NONE, 1, { percent } },
+        { 0x4D, "ExtendedPid", "Time run with MIL on",                             "miltime",     2, 2, O2_NONE, 1, { minutes } },
+        { 0x4E, "ExtendedPid", "Time since trouble codes cleared",                 "cleartime",   2, 2, O2_NONE, 1, { minutes } },
+        { 0x50, "ExtendedPid", "Maximum air flow rate from mass air flow sensor", "mafmax",      4, 4, O2_NONE, 1, { converted(nullptr, tenTimesA, UNIT_GPS, 0, 2550, UNIT_LB_PER_MIN, gpsToLbPerMin, { 0, 0, 1 }) } },
+        { 0x51, "FuelType",    "Fuel Type",                                        "fueltype",    1, 1, O2_NONE, 1, { text() } },
+        { 0x52, "ExtendedPid", "Ethanol fuel",                                     "ethanol",     1, 1, O2_NONE, 1, { percent } },
+        { 0x53, "ExtendedPid", "Absolute evap system vapor pressure",              "absevap",     2, 2, O2_NONE, 1, { converted(nullptr, twoHundredthsAB, UNIT_KPA, 0, 327.675, UNIT_PSI, kpaToPsi, { 2, 3, 3 }) } },
+        { 0x54, "ExtendedPid", "Evap system vapor pressure",                       "evap2",       2, 2, O2_NONE, 1, { converted(nullptr, signedAB, UNIT_PA, -32768, 32767, UNIT_INH2O, paToInH2O, { 2, 0, 2 }) } },
+        { 0x55, "ExtendedPid", "Short term secondary oxygen sensor trim",          "stsot13",     2, 2, O2_NONE, 2, { secondaryTrim1, secondaryTrim3 } },
+        { 0x56, "ExtendedPid", "Long term secondary oxygen sensor trim",           "ltsot13",     2, 2, O2_NONE, 2, { secondaryTrim1, secondaryTrim3 } },
+        { 0x57, "ExtendedPid", "Short term secondary oxygen sensor trim, bank 2/4","stsot24",     2, 2, O2_NONE, 2, { secondaryTrim2, secondaryTrim4 } },
+        { 0x58, "ExtendedPid", "Long term secondary oxygen sensor trim, bank 2/4", "ltsot24",     2, 2, O2_NONE, 2, { secondaryTrim2, secondaryTrim4 } },
+        { 0x59, "ExtendedPid", "Fuel rail absolute pressure",                      "railabs",     2, 2, O2_NONE, 1, { converted(nullptr, tenTimesAB, UNIT_KPA, 0, 655350, UNIT_PSI, kpaToPsi, { 0, 0, 1 }) } },
+        { 0x5A, "ExtendedPid", "Relative accelerator pedal position",              "relpedal",    1, 1, O2_NONE, 1, { percent } },
+        { 0x5B, "ExtendedPid", "Hybrid battery pack remaining life",               "hybridbattery",1, 1, O2_NONE, 1, { percent } },
+        { 0x5C, "ExtendedPid", "Engine oil temperature",                           "oiltemp",     1, 1, O2_NONE, 1, { temperature } },
+        { 0x5D, "ExtendedPid", "Fuel injection timing",                            "injection",   2, 2, O2_NONE, 1, { same(nullptr, injectionTiming, UNIT_ANGLE, -210, 301.992, { 2, 2, 2 }) } },
+        { 0x5E, "ExtendedPid", "Engine fuel rate",                                 "fuelrate",    2, 2, O2_NONE, 1, { converted(nullptr, twentiethsAB, UNIT_LITRE_PER_H, 0, 3276.75, UNIT_GALLON_PER_H, litresToGallons, { 2, 2, 2 }) } },
+        { 0x61, "ExtendedPid", "Driver's demand engine - percent torque",          "demandtorque",1, 1, O2_NONE, 1, { torque } },
+        { 0x62, "ExtendedPid", "Actual engine - percent torque",                   "torque",      1, 1, O2_NONE, 1, { torque } },
+        { 0x63, "ExtendedPid", "Engine reference torque",                          "reftorque",   2, 2, O2_NONE, 1, { converted(nullptr, wordAB, UNIT_NM, 0, 65535, UNIT_LBFT, nmToLbFt, { 0, 0, 0 }) } },
+        { 0x67, "ExtendedPid", "Engine coolant temperature sensors",               "coolant2",    3, 3, O2_NONE, 2, { converted("Sensor 1", sensor1Minus40, UNIT_CELSIUS, -40, 215, UNIT_FAHRENHEIT, celsiusToFahrenheit, { 1, 0, 0 }), converted("Sensor 2", sensor2Minus40, UNIT_CELSIUS, -40, 215, UNIT_FAHRENHEIT, celsiusToFahrenheit, { 1, 0, 0 }) } },
+        { 0x7C, "ExtendedPid", "Diesel particulate filter temperature",            "dpftemp",     2, 2, O2_NONE, 1, { converted(nullptr, tenthsMinus40AB, UNIT_CELSIUS, -40, 6513.5, UNIT_FAHRENHEIT, celsiusToFahrenheit, { 2, 1, 1 }) } },
+        { 0x8E, "ExtendedPid", "Engine friction - percent torque",                 "friction",    1, 1, O2_NONE, 1, { torque } },
+        { 0x9D, "ExtendedPid", "Engine fuel rate (mass)",                          "fuelmass",    4, 4, O2_NONE, 2, { converted("Engine", fiftiethsAB, UNIT_GPS, 0, 1310.7, UNIT_LB_PER_MIN, gpsToLbPerMin, { 2, 2, 2 }), converted("Vehicle", fiftiethsCD, UNIT_GPS, 0, 1310.7, UNIT_LB_PER_MIN, gpsToLbPerMin, { 2, 2, 2 }) } },
+        { 0x9E, "ExtendedPid", "Engine exhaust flow rate",                         "exhaustflow", 2, 2, O2_NONE, 1, { converted(nullptr, fifthsAB, UNIT_KG_PER_H, 0, 13107, UNIT_LB_PER_H, kgToPounds, { 2, 1, 1 }) } },
+        { 0xA2, "ExtendedPid", "Cylinder fuel rate",                               "cylfuel",     2, 2, O2_NONE, 1, { same(nullptr, thirtySecondsAB, UNIT_MG_PER_STROKE, 0, 2047.97, { 2, 2, 2 }) } },
+        { 0xA6, "ExtendedPid", "Odometer",                                         "odometer",    4, 4, O2_NONE, 1, { converted(nullptr, tenthsABCD, UNIT_KM, 0, 429496729.5, UNIT_MILES, kmToMiles, { 2, 1, 1 }) } },
     };
 }
 
