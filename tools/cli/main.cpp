@@ -1,6 +1,7 @@
 #include "cliapplication.h"
 #include "consolelogger.h"
 #include "libobd.h"
+#include "session.h"
 #include "trlog.h"
 
 #include <QCoreApplication>
@@ -16,6 +17,8 @@ namespace {
 void onSignal(int)
 {
     Cli::CliApplication::interrupted() = true;
+    // An opening under way gives up at once instead of running its course.
+    Cli::Session::cancelOpening();
 }
 
 } // namespace
@@ -34,6 +37,7 @@ int main(int argc, char** argv)
     }
     std::signal(SIGINT, onSignal);
     std::signal(SIGTERM, onSignal);
+    // A link that dies under a write must give an error, not end the program.
     std::signal(SIGPIPE, SIG_IGN);
 
     Obd::libInit();

@@ -23,6 +23,7 @@ bool isCommand(const std::string& word)
 Options::Options()
     : host("127.0.0.1")
     , port(35000)
+    , baud(Obd::AdapterAddress::DEFAULT_BAUD)
     , json(false)
     , imperial(false)
     , yes(false)
@@ -37,8 +38,9 @@ std::string Options::usage()
 {
     return "Usage: zarvane-cli [options] COMMAND [ARGUMENTS]\n"
            "\n"
-           "Talks to an ELM327-type OBD-II adapter over Wi-Fi (TCP) or Bluetooth, with the\n"
-           "same library and the same opening dialogue as the Zarvane application.\n"
+           "Talks to an ELM327-type OBD-II adapter over Wi-Fi (TCP), Bluetooth or a serial\n"
+           "device (USB, or Bluetooth bound to /dev/rfcommN), with the same library and the\n"
+           "same opening dialogue as the Zarvane application.\n"
            "\n"
            "Commands:\n"
            "  info              adapter name, description, version and protocol; each ECU's\n"
@@ -57,6 +59,9 @@ std::string Options::usage()
            "  --host HOST         adapter address for Wi-Fi (default 127.0.0.1)\n"
            "  --port PORT         adapter TCP port (default 35000)\n"
            "  --bluetooth ADDR    use the Bluetooth adapter at ADDR (00:11:22:33:44:55)\n"
+           "  --serial DEVICE     use the serial adapter at DEVICE (/dev/ttyUSB0, /dev/rfcomm0)\n"
+           "  --baud N|auto       serial: baud rate (default 38400); auto tries 38400, 9600,\n"
+           "                      115200, 230400 and 500000\n"
            "  --json              machine-readable output\n"
            "  --imperial          imperial units for live values\n"
            "  --period MS         live: sample period (default 1000)\n"
@@ -68,6 +73,15 @@ std::string Options::usage()
            "\n"
            "Exit codes: 0 done, 1 the command failed, 2 bad argument, 3 cannot connect,\n"
            "4 adapter not identified or not initialised, 5 vehicle not reached.\n";
+}
+
+Obd::AdapterAddress Options::address() const
+{
+    if (!serialDevice.empty())
+        return Obd::AdapterAddress::serial(serialDevice, baud);
+    if (!bluetoothAddress.empty())
+        return Obd::AdapterAddress::bluetooth(bluetoothAddress);
+    return Obd::AdapterAddress::tcp(host, port);
 }
 
 bool Options::number(const std::string& option, const std::string& text, long minimum,
@@ -86,6 +100,7 @@ bool Options::number(const std::string& option, const std::string& text, long mi
 
 bool Options::parse(const std::vector<std::string>& args)
 {
+    bool baudGiven = false;
     for (size_t i = 0; i < args.size(); ++i) {
         const std::string& arg = args[i];
         auto valueOf = [&](std::string& out) {
@@ -122,6 +137,21 @@ bool Options::parse(const std::vector<std::string>& args)
         } else if (arg == "--bluetooth") {
             if (!valueOf(bluetoothAddress))
                 return false;
+        } else if (arg == "--serial") {
+            if (!valueOf(serialDevice))
+                return false;
+            if (serialDevice.empty()) {
+                m_error = "--serial needs a device path";
+                return false;
+            }
+        } else if (arg == "--baud") {
+            if (!valueOf(value))
+                return false;
+            if (!Obd::AdapterAddress::parseBaud(value, baud)) {
+                m_error = "--baud needs a baud rate such as 38400, or auto, not \"" + value + "\"";
+                return false;
+            }
+            baudGiven = true;
         } else if (arg == "--period") {
             if (!valueOf(value) || !number(arg, value, 10, 3600000, n))
                 return false;
@@ -145,6 +175,14 @@ bool Options::parse(const std::vector<std::string>& args)
     }
     if (help)
         return true;
+    if (!serialDevice.empty() && !bluetoothAddress.empty()) {
+        m_error = "--serial and --bluetooth exclude each other";
+        return false;
+    }
+    if (baudGiven && serialDevice.empty()) {
+        m_error = "--baud goes with --serial";
+        return false;
+    }
     if (command.empty()) {
         m_error = "no command given";
         return false;

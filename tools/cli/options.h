@@ -1,6 +1,8 @@
 #ifndef CLI_OPTIONS_H
 #define CLI_OPTIONS_H
 
+#include "adapteraddress.h"
+
 #include <string>
 #include <vector>
 
@@ -17,12 +19,16 @@ public:
 
     std::string error() const { return m_error; }
     static std::string usage();
+    // The adapter the options point at: serial, else Bluetooth, else TCP.
+    Obd::AdapterAddress address() const;
 
     std::string command;
     std::vector<std::string> arguments;
     std::string host;
     unsigned int port;
     std::string bluetoothAddress;
+    std::string serialDevice;
+    unsigned int baud;   // AdapterAddress::AUTO_BAUD: detected
     bool json;
     bool imperial;
     bool yes;

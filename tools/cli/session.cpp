@@ -1,23 +1,25 @@
 #include "session.h"
-#include "bluetoothbus.h"
 #include "iconnection.h"
-#include "iscantool.h"
-#include "linkopener.h"
 #include "options.h"
-#include "tcpbus.h"
 
 namespace Cli {
 
 namespace {
 
-// The serial-port service class; the bus keeps its low byte as the channel.
-const unsigned int SERIAL_PORT_SERVICE = 0x1101;
+// The session whose link is being opened, for a signal handler to give it up.
+std::atomic<Session*> opening(nullptr);
+
+std::string where(const Obd::AdapterAddress& address)
+{
+    if (address.kind() == Obd::AdapterAddress::AK_TCP)
+        return address.location() + ":" + std::to_string(address.port());
+    return address.location();
+}
 
 } // namespace
 
 Session::Session()
-    : m_connection(nullptr)
-    , m_scantool(nullptr)
+    : m_link(&m_proxy, this)
     , m_open(false)
     , m_lost(false)
     , m_lostWhileOpening(false)
@@ -37,51 +39,67 @@ void Session::onDisconnected()
         m_lostWhileOpening = true;
 }
 
+void Session::cancelOpening()
+{
+    Session* session = opening.load();
+    if (session)
+        session->m_link.cancel();
+}
+
 Session::Status Session::open(const Options& options,
                               const std::function<void(const std::string&)>& progress,
                               std::string& why)
 {
-    Obd::IMessageBus* bus = nullptr;
-    if (!options.bluetoothAddress.empty()) {
-        Obd::BluetoothBus* bluetooth = new Obd::BluetoothBus;
-        bluetooth->init(options.bluetoothAddress, SERIAL_PORT_SERVICE);
-        bus = bluetooth;
-    } else {
-        Obd::TcpBus* tcp = new Obd::TcpBus;
-        if (!tcp->init(options.host, options.port)) {
-            delete tcp;
-            why = "cannot resolve host " + options.host;
-            return SS_CANNOT_CONNECT;
-        }
-        bus = tcp;
-    }
-    Obd::LinkOpener opener;
-    opener.setProgress(progress);
+    const Obd::AdapterAddress address = options.address();
+    m_link.setProgress(progress);
     m_lost = false;
     m_lostWhileOpening = false;
-    const Obd::LinkOpener::Result result = opener.open(bus, this, &m_proxy, m_connection, m_scantool);
+    opening = this;
+    const Obd::VehicleLink::Status result = m_link.open(address);
+    opening = nullptr;
     // Blaming the adapter or the car for a link that went away misleads the user.
-    if (result != Obd::LinkOpener::LO_OK && m_lostWhileOpening) {
+    const bool inDialogue = result == Obd::VehicleLink::VL_NOT_IDENTIFIED
+                            || result == Obd::VehicleLink::VL_NOT_INITIALIZED
+                            || result == Obd::VehicleLink::VL_VEHICLE_NOT_REACHED;
+    if (inDialogue && m_lostWhileOpening) {
         why = "the link to the adapter was lost while opening it";
-        return result == Obd::LinkOpener::LO_DISCOVERY_FAILED ? SS_NOT_REACHED : SS_NOT_IDENTIFIED;
+        return result == Obd::VehicleLink::VL_VEHICLE_NOT_REACHED ? SS_NOT_REACHED
+                                                                  : SS_NOT_IDENTIFIED;
     }
+    // The system's reason helps with a device path (missing, no permission).
+    const std::string detail = address.kind() == Obd::AdapterAddress::AK_SERIAL
+                                   ? " (" + m_link.errorString() + ")"
+                                   : std::string();
     switch (result) {
-    case Obd::LinkOpener::LO_OK:
+    case Obd::VehicleLink::VL_OK:
         m_open = true;
         return SS_OK;
-    case Obd::LinkOpener::LO_CONNECT_FAILED:
-        why = "cannot connect to the adapter at " +
-              (options.bluetoothAddress.empty()
-                   ? options.host + ":" + std::to_string(options.port)
-                   : options.bluetoothAddress);
+    case Obd::VehicleLink::VL_BAD_ADDRESS:
+        why = address.kind() == Obd::AdapterAddress::AK_TCP ? "cannot resolve host " + options.host
+                                                            : m_link.errorString();
         return SS_CANNOT_CONNECT;
-    case Obd::LinkOpener::LO_IDENTIFY_FAILED:
+    case Obd::VehicleLink::VL_NO_ANSWER:
+        if (address.kind() == Obd::AdapterAddress::AK_SERIAL
+            && address.baud() == Obd::AdapterAddress::AUTO_BAUD) {
+            why = "no adapter prompt on " + address.location() + " at any baud rate";
+            return SS_CANNOT_CONNECT;
+        }
+        why = "cannot connect to the adapter at " + where(address) + detail;
+        return SS_CANNOT_CONNECT;
+    case Obd::VehicleLink::VL_REFUSED:
+    case Obd::VehicleLink::VL_CONNECT_FAILED:
+        why = "cannot connect to the adapter at " + where(address) + detail;
+        return SS_CANNOT_CONNECT;
+    case Obd::VehicleLink::VL_NOT_IDENTIFIED:
         why = "the adapter did not identify itself as an ELM327";
         return SS_NOT_IDENTIFIED;
-    case Obd::LinkOpener::LO_INITIALIZE_FAILED:
+    case Obd::VehicleLink::VL_NOT_INITIALIZED:
         why = "the adapter could not be initialised";
         return SS_NOT_IDENTIFIED;
-    case Obd::LinkOpener::LO_DISCOVERY_FAILED:
+    case Obd::VehicleLink::VL_CANCELLED:
+        why = "the opening was cancelled";
+        return SS_CANCELLED;
+    case Obd::VehicleLink::VL_VEHICLE_NOT_REACHED:
     default:
         why = "the vehicle did not answer (is the ignition on?)";
         return SS_NOT_REACHED;
@@ -90,17 +108,10 @@ Session::Status Session::open(const Options& options,
 
 void Session::close()
 {
-    if (!m_connection)
+    if (!m_link.isOpen())
         return;
     m_open = false;
-    m_proxy.reset();
-    if (m_connection->isConnected() && m_scantool)
-        m_scantool->sendReset();
-    m_connection->close();
-    delete m_scantool;
-    m_scantool = nullptr;
-    delete m_connection;
-    m_connection = nullptr;
+    m_link.close();
 }
 
 } // namespace Cli

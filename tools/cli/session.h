@@ -4,13 +4,13 @@
 #include "iconnection.h"
 #include "idisconnectlistener.h"
 #include "obdproxy.h"
+#include "vehiclelink.h"
 
 #include <atomic>
 #include <functional>
 #include <string>
 
 namespace Obd {
-class IConnection;
 class IScantool;
 }
 
@@ -24,6 +24,7 @@ class Session : public Obd::IDisconnectListener
 public:
     enum Status {
         SS_OK = 0,
+        SS_CANCELLED = 1,
         SS_CANNOT_CONNECT = 3,
         SS_NOT_IDENTIFIED = 4,
         SS_NOT_REACHED = 5
@@ -37,19 +38,23 @@ public:
                 std::string& why);
     // Resets the adapter and closes the link.
     void close();
+    // Gives up the opening under way, if any; async-signal-safe.
+    static void cancelOpening();
 
     Obd::IObdProxy* proxy() { return &m_proxy; }
-    Obd::IScantool* scantool() { return m_scantool; }
+    Obd::IScantool* scantool() { return m_link.scantool(); }
     // Also true as soon as the link knows it is down: an exchange that failed
     // because the peer went away returns before the loss is reported to us.
-    bool isLost() const { return m_lost || (m_open && m_connection && !m_connection->isConnected()); }
+    bool isLost() const
+    {
+        return m_lost || (m_open && m_link.connection() && !m_link.connection()->isConnected());
+    }
 
     void onDisconnected() override;
 
 private:
     Obd::ObdProxy m_proxy;
-    Obd::IConnection* m_connection;
-    Obd::IScantool* m_scantool;
+    Obd::VehicleLink m_link;
     std::atomic<bool> m_open;
     std::atomic<bool> m_lost;
     std::atomic<bool> m_lostWhileOpening;
