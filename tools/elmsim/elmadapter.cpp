@@ -1,9 +1,11 @@
 #include "elmadapter.h"
 
 #include "adapterlink.h"
+#include "replynoise.h"
 #include "runtimecontrol.h"
 #include "transcript.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cstdio>
 
@@ -11,7 +13,7 @@ namespace ElmSim {
 
 namespace {
 
-const char* const DEFAULT_BANNER = "ELM327 v1.5";
+const char* const STN_IDENTITY = "STN1110 v4.2.0";
 const char* const DESCRIPTION = "OBDII to RS232 Interpreter";
 const unsigned int DEFAULT_BAUD_TIMEOUT_MS = 75;   // ATBRT default 0F x 5 ms
 
@@ -45,23 +47,40 @@ bool startsWith(const std::string& text, const char* prefix)
     return text.rfind(prefix, 0) == 0;
 }
 
+unsigned int sessionSeed(int64_t seed)
+{
+    return seed >= 0 ? static_cast<unsigned int>(seed) : std::random_device{}();
+}
+
+TimingModel::Kind timingKind(const std::string& name)
+{
+    TimingModel::Kind kind = TimingModel::Kind::None;
+    TimingModel::find(name, kind);
+    return kind;
+}
+
 } // namespace
 
 ElmAdapter::ElmAdapter(const ServerOptions& options, Profile& profile, std::mutex& vehicleMutex,
-                       RuntimeControl& control, Transcript* transcript, AdapterLink& link,
+                       RuntimeControl& control, Transcript* transcript, const Replay* replay, AdapterLink& link,
                        std::chrono::steady_clock::time_point epoch)
     : m_options(options)
     , m_profile(profile)
     , m_vehicleMutex(vehicleMutex)
     , m_control(control)
     , m_transcript(transcript)
+    , m_replay(replay)
     , m_link(link)
     , m_epoch(epoch)
     , m_responder(profile)
     , m_formatter(profile)
-    , m_banner(options.banner.empty() ? DEFAULT_BANNER : options.banner)
-    , m_random(std::random_device{}())
+    , m_random(sessionSeed(options.seed))
+    , m_timing(timingKind(options.timing), m_random)
 {
+    Personality::find(options.adapter, m_personality);   // the server checked the name
+    m_banner = options.banner.empty() ? m_personality.banner : options.banner;
+    if (m_personality.noisy)
+        m_formatter.setRepeat([this] { return ReplyNoise::chance(m_random, 4); });
     m_out.reserve(512);
     m_request.reserve(8);
     powerUp();
@@ -78,6 +97,8 @@ void ElmAdapter::powerUp()
     m_busInitDone = false;
     m_baudTimeoutMs = DEFAULT_BAUD_TIMEOUT_MS;
     m_awaitingBaudConfirm = false;
+    m_display.fillLastFrame = m_personality.fillLastFrame;
+    m_timing.reset();
 }
 
 double ElmAdapter::vehicleSeconds() const
@@ -93,31 +114,68 @@ void ElmAdapter::addLine(const std::string& text)
     m_out += m_display.lineEnd;
 }
 
-void ElmAdapter::finish()
+void ElmAdapter::send(bool final)
 {
-    m_out += m_display.lineEnd;
-    for (unsigned int i = m_control.garbage(); i > 0; --i) {
-        char c = static_cast<char>(m_random() & 0xFF);
-        if (c == '>')
-            c = '.';
-        m_out.push_back(c);
+    if (m_personality.trailingSpaces)
+        ReplyNoise::addTrailingSpaces(m_out, m_bodyStart);
+    if (!m_replyStarted) {
+        // Noise comes before the answer, a status line after the echo.
+        const bool statusLine = (m_options.noise && ReplyNoise::chance(m_random, 4))
+                                || (m_personality.noisy && ReplyNoise::chance(m_random, 8));
+        if (statusLine)
+            m_out.insert(m_bodyStart, ReplyNoise::statusLine(m_random) + m_display.lineEnd);
+        if (m_options.noise && ReplyNoise::chance(m_random, 2))
+            m_out.insert(0, ReplyNoise::bytes(m_random));
     }
-    m_out.push_back('>');
+    if (final) {
+        if (m_options.noise && ReplyNoise::chance(m_random, 4))
+            m_out += ReplyNoise::bytes(m_random);
+        m_out += m_display.lineEnd;
+        for (unsigned int i = m_control.garbage(); i > 0; --i) {
+            char c = static_cast<char>(m_random() & 0xFF);
+            if (c == '>')
+                c = '.';
+            m_out.push_back(c);
+        }
+        m_out.push_back('>');
+    }
     if (m_transcript) {
         m_sent += m_out;
-        m_transcript->reply(m_sent);
+        if (final)
+            m_transcript->reply(m_sent);
     }
-    m_sent.clear();
+    if (final) {
+        m_sent.clear();
+        m_control.setLastExchange(m_exchange);
+    }
     m_link.send(m_out);
     m_out.clear();
+    m_bodyStart = 0;
+    m_replyStarted = !final;
 }
 
-void ElmAdapter::sendPartial()
+bool ElmAdapter::modelledPause(double ms)
 {
-    if (m_transcript)
-        m_sent += m_out;
-    m_link.send(m_out);
-    m_out.clear();
+    const double scaled = ms * m_options.timeScale;
+    return scaled < 0.5 || m_link.pause(static_cast<unsigned int>(scaled + 0.5));
+}
+
+bool ElmAdapter::adapterPause(double ms)
+{
+    m_exchange.adapterMs += ms;
+    return modelledPause(ms);
+}
+
+bool ElmAdapter::replayLine(const std::string& line)
+{
+    const Replay::Reply* reply = m_replay->next(line, m_replayCursor);
+    const std::string text = reply ? reply->text : "?\r\r>";
+    if (reply && !modelledPause(reply->delayMs))
+        return true;
+    if (m_transcript && !text.empty())
+        m_transcript->reply(text);
+    m_link.send(text);
+    return true;
 }
 
 bool ElmAdapter::handleLine(const std::string& line)
@@ -127,6 +185,8 @@ bool ElmAdapter::handleLine(const std::string& line)
         m_transcript->request(line);
     if (m_control.silent())
         return true;
+    if (m_replay)
+        return replayLine(line);
 
     std::string command;
     command.reserve(line.size());
@@ -137,10 +197,13 @@ bool ElmAdapter::handleLine(const std::string& line)
 
     m_out.clear();
     m_sent.clear();
+    m_exchange = ExchangeTiming();
+    m_replyStarted = false;
     if (m_echo) {
         m_out += line;
         m_out += m_display.lineEnd;
     }
+    m_bodyStart = m_out.size();
 
     if (m_awaitingBaudConfirm) {
         // After ATBRD the adapter waits for a bare CR at the new rate.
@@ -162,26 +225,42 @@ bool ElmAdapter::handleLine(const std::string& line)
     }
     m_lastCommand = command;
 
-    if (startsWith(command, "AT")) {
-        handleAt(command.substr(2));
+    if (startsWith(command, "AT"))
+        return handleAt(command.substr(2));
+    if (command == "STI" && m_personality.answersSti) {
+        addLine(STN_IDENTITY);
+        finish();
         return true;
     }
     return handleObd(command);
 }
 
-void ElmAdapter::handleAt(const std::string& c)
+bool ElmAdapter::handleAt(const std::string& c)
 {
     unsigned int value = 0;
-    if (c == "Z" || c == "WS") {
+    const bool reset = c == "Z" || c == "WS";
+    if (reset && c == "Z" && m_personality.dropOnReset)
+        return false;                    // the Bluetooth link goes down with the reset
+    if (!reset && !adapterPause(m_personality.atReplyMs))
+        return true;
+    if (m_personality.rejects(c)) {
+        addLine("?");
+    } else if (reset) {
         powerUp();
-        if (!m_link.pause(m_options.resetDelayMs))
-            return;
+        const bool paused = m_personality.resetMs >= 0 ? adapterPause(m_personality.resetMs)
+                                                        : m_link.pause(m_options.resetDelayMs);
+        if (!paused)
+            return true;
+        if (m_personality.noisy)
+            m_out += std::string("\0\xFC", 2);   // the reset shakes the line
         if (!m_options.identify) {
             addLine("?");
         } else {
             m_out += "\r\r";
             addLine(m_banner);
         }
+        if (m_personality.noisy)
+            m_out += "\xFC";
     } else if (c == "D") {
         powerUp();
         addLine("OK");
@@ -240,8 +319,12 @@ void ElmAdapter::handleAt(const std::string& c)
             m_busInitDone = false;
             addLine("OK");
         }
-    } else if (hexArgument(c, "ST", 2, value) || hexArgument(c, "AT", 1, value)) {
-        addLine(value <= 0xFF ? "OK" : "?");
+    } else if (hexArgument(c, "ST", 2, value)) {
+        m_timing.setTimeout(value);
+        addLine("OK");
+    } else if (hexArgument(c, "AT", 1, value)) {
+        m_timing.setAdaptive(value);
+        addLine("OK");
     } else if (hexArgument(c, "BRT", 2, value)) {
         m_baudTimeoutMs = value == 0 ? 256 * 5 : value * 5;
         addLine("OK");
@@ -254,11 +337,11 @@ void ElmAdapter::handleAt(const std::string& c)
             addLine("OK");
             sendPartial();
             if (!m_link.pause(m_baudTimeoutMs))
-                return;
+                return true;
             addLine(m_banner);
             sendPartial();
             m_awaitingBaudConfirm = true;
-            return;
+            return true;
         }
     } else if (c == "RV") {
         char text[16];
@@ -277,6 +360,7 @@ void ElmAdapter::handleAt(const std::string& c)
         addLine("?");
     }
     finish();
+    return true;
 }
 
 bool ElmAdapter::parseRequest(const std::string& command, size_t& maxAnswers)
@@ -351,6 +435,11 @@ bool ElmAdapter::handleObd(const std::string& command)
     const unsigned int delay = m_control.delayMs() + (jitter > 0 ? m_random() % (jitter + 1) : 0);
     if (delay > 0 && !m_link.pause(delay))
         return true;
+    if (m_personality.obdMaxMs > 0) {
+        const double ms = std::uniform_real_distribution<double>(m_personality.obdMinMs, m_personality.obdMaxMs)(m_random);
+        if (!adapterPause(ms))
+            return true;
+    }
     m_control.countRequest();
 
     std::string word;
@@ -366,13 +455,56 @@ bool ElmAdapter::handleObd(const std::string& command)
     {
         std::lock_guard<std::mutex> lock(m_vehicleMutex);
         m_responder.respond(m_request.data(), m_request.size(), vehicleSeconds(), m_answers);
+        const ExchangeTiming timing
+            = m_timing.exchange(m_timing.arrivals(m_profile, m_request.size(), m_answers), maxAnswers);
+        m_exchange.linkMs = timing.linkMs;
+        m_exchange.busMs = timing.busMs;
+        m_exchange.waitMs = timing.waitMs;
+        m_answers.resize(std::min(m_answers.size(), timing.received));
+    }
+    // The answers print as they come; the prompt waits for the time-out.
+    if (!modelledPause(m_exchange.linkMs / 2 + m_exchange.busMs))
+        return true;
+    const size_t dataStart = m_out.size();
+    {
+        std::lock_guard<std::mutex> lock(m_vehicleMutex);
+        const bool kLine = m_profile.protocol >= 3 && m_profile.protocol <= 5;
+        if (m_personality.noisy && kLine && !m_answers.empty() && ReplyNoise::chance(m_random, 2))
+            m_answers.front().messages.insert(m_answers.front().messages.begin(), { 0x7F, m_request[0], 0x78 });
         if (m_answers.empty())
             addLine("NO DATA");
         else
             m_formatter.format(m_answers, m_display, maxAnswers, m_out);
     }
+    if (m_personality.noisy && !m_answers.empty())
+        addNoise(dataStart);
+    if (m_exchange.waitMs > 0) {
+        sendPartial();
+        if (!modelledPause(m_exchange.waitMs + m_exchange.linkMs / 2))
+            return true;
+    }
     finish();
     return true;
+}
+
+void ElmAdapter::addNoise(size_t dataStart)
+{
+    // A frame left over from the previous request shows up after the first
+    // line of this answer.
+    std::vector<std::string> lines;
+    const std::string end = m_display.lineEnd;
+    for (size_t at = dataStart; at < m_out.size();) {
+        const size_t next = m_out.find(end, at);
+        if (next == std::string::npos)
+            break;
+        lines.push_back(m_out.substr(at, next + end.size() - at));
+        at = next + end.size();
+    }
+    if (!m_previousFrames.empty() && !lines.empty() && ReplyNoise::chance(m_random, 4)) {
+        const size_t pick = m_random() % m_previousFrames.size();
+        m_out.insert(dataStart + lines.front().size(), m_previousFrames[pick]);
+    }
+    m_previousFrames = std::move(lines);
 }
 
 } // namespace ElmSim

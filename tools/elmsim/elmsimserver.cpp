@@ -1,7 +1,9 @@
 #include "elmsimserver.h"
 
 #include "elmadapter.h"
+#include "personality.h"
 #include "profilecatalog.h"
+#include "replay.h"
 #include "runtimecontrol.h"
 #include "socketlink.h"
 #include "transcript.h"
@@ -31,6 +33,7 @@ ElmSimServer::ElmSimServer(const ServerOptions& options)
     , m_profileValid(ProfileCatalog::find(options.profile, m_profile))
     , m_control(new RuntimeControl(options))
     , m_transcript(new Transcript)
+    , m_replay(new Replay)
     , m_epoch(std::chrono::steady_clock::now())
     , m_listenFd(-1)
     , m_wakePipe{ -1, -1 }
@@ -52,14 +55,8 @@ bool ElmSimServer::start()
         m_error = "already running";
         return false;
     }
-    if (!m_profileValid) {
-        m_error = "unknown profile: " + m_options.profile;
+    if (!prepare())
         return false;
-    }
-    if (!m_options.transcriptPath.empty() && !m_transcript->open(m_options.transcriptPath)) {
-        m_error = "cannot open transcript " + m_options.transcriptPath + ": " + std::strerror(errno);
-        return false;
-    }
 
     addrinfo hints{};
     hints.ai_family = AF_INET;
@@ -103,9 +100,40 @@ bool ElmSimServer::start()
     return true;
 }
 
+bool ElmSimServer::prepare()
+{
+    Personality personality;
+    TimingModel::Kind kind;
+    if (!m_profileValid) {
+        m_error = "unknown profile: " + m_options.profile;
+        return false;
+    }
+    if (!Personality::find(m_options.adapter, personality)) {
+        m_error = "unknown adapter: " + m_options.adapter;
+        return false;
+    }
+    if (!TimingModel::find(m_options.timing, kind)) {
+        m_error = "unknown timing model: " + m_options.timing;
+        return false;
+    }
+    if (!m_options.replayPath.empty() && !m_replay->isLoaded() && !m_replay->load(m_options.replayPath, m_error))
+        return false;
+    if (!m_options.transcriptPath.empty() && !m_transcript->open(m_options.transcriptPath)) {
+        m_error = "cannot open transcript " + m_options.transcriptPath + ": " + std::strerror(errno);
+        return false;
+    }
+    return true;
+}
+
 bool ElmSimServer::startOnTerminal(int fd)
 {
-    if (m_thread.joinable() || !m_profileValid || ::pipe2(m_wakePipe, O_CLOEXEC | O_NONBLOCK) != 0) {
+    if (m_thread.joinable()) {
+        m_error = "already running";
+        return false;
+    }
+    if (!prepare())
+        return false;
+    if (::pipe2(m_wakePipe, O_CLOEXEC | O_NONBLOCK) != 0) {
         m_error = "cannot serve the terminal";
         return false;
     }
@@ -206,7 +234,8 @@ void ElmSimServer::serveClient(int fd)
     m_control->restartDropCount();
     SocketLink link(fd, m_wakePipe[0]);
     ElmAdapter adapter(m_options, m_profile, m_vehicleMutex, *m_control,
-                       m_transcript->isOpen() ? m_transcript.get() : nullptr, link, m_epoch);
+                       m_transcript->isOpen() ? m_transcript.get() : nullptr,
+                       m_replay->isLoaded() ? m_replay.get() : nullptr, link, m_epoch);
 
     std::string line;
     line.reserve(64);
@@ -287,6 +316,11 @@ int ElmSimServer::requestCount() const
 std::vector<std::string> ElmSimServer::requestLog() const
 {
     return m_control->requestLog();
+}
+
+ExchangeTiming ElmSimServer::lastExchange() const
+{
+    return m_control->lastExchange();
 }
 
 const Profile& ElmSimServer::profile() const

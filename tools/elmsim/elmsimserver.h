@@ -3,6 +3,7 @@
 
 #include "profile.h"
 #include "serveroptions.h"
+#include "timingmodel.h"
 
 #include <atomic>
 #include <chrono>
@@ -14,6 +15,7 @@
 
 namespace ElmSim {
 
+class Replay;
 class RuntimeControl;
 class Transcript;
 
@@ -43,12 +45,15 @@ public:
     void setGarbage(unsigned int bytes);
     int requestCount() const;
     std::vector<std::string> requestLog() const;
+    // The modelled time of the last reply (personality and timing model).
+    ExchangeTiming lastExchange() const;
 
     // The vehicle data; read it while no request is being answered.
     const Profile& profile() const;
     void resetVehicle();
 
 private:
+    bool prepare();                     // options that can fail, checked once
     void run();
     void serveClient(int fd);
     void wake();
@@ -62,6 +67,7 @@ private:
     std::mutex m_vehicleMutex;
     std::unique_ptr<RuntimeControl> m_control;
     std::unique_ptr<Transcript> m_transcript;
+    std::unique_ptr<Replay> m_replay;
     std::chrono::steady_clock::time_point m_epoch;
 
     int m_listenFd;

@@ -95,6 +95,7 @@ void FrameFormatter::formatCan(const EcuProfile* ecu, uint32_t ecuId, const std:
 
     if (length <= 7) {
         // Single frame: PCI 0L, data, filler up to 8 bytes.
+        const size_t start = out.size();
         if (display.headers) {
             appendCanId(ecuId, display, out);
             appendByte(out, static_cast<uint8_t>(length), display.spaces);
@@ -105,6 +106,7 @@ void FrameFormatter::formatCan(const EcuProfile* ecu, uint32_t ecuId, const std:
                 appendByte(out, pad, display.spaces);
         }
         out += display.lineEnd;
+        emitFrame(start, out);
         return;
     }
 
@@ -118,19 +120,22 @@ void FrameFormatter::formatCan(const EcuProfile* ecu, uint32_t ecuId, const std:
         size_t offset = 0;
         for (unsigned int line = 0; offset < length; ++line) {
             const size_t take = std::min<size_t>(line == 0 ? 6 : 7, length - offset);
+            const size_t start = out.size();
             out.push_back(HEX_DIGITS[line & 0x0F]);
             out.push_back(':');
             if (display.spaces)
                 out.push_back(' ');
             appendBytes(out, message.data() + offset, take, display.spaces);
             out += display.lineEnd;
+            if (line > 0)
+                emitFrame(start, out);
             offset += take;
         }
         return;
     }
 
     //  First frame:        1L LL d0 d1 d2 d3 d4 d5
-    //  Consecutive frames: 2N d. d. d. d. d. d. d.  (last one filled to 8)
+    //  Consecutive frames: 2N d. d. d. d. d. d. d.  (last one filled to 8, or not)
     appendCanId(ecuId, display, out);
     appendByte(out, static_cast<uint8_t>(0x10 | ((length >> 8) & 0x0F)), display.spaces);
     appendByte(out, static_cast<uint8_t>(length & 0xFF), display.spaces);
@@ -138,20 +143,24 @@ void FrameFormatter::formatCan(const EcuProfile* ecu, uint32_t ecuId, const std:
     out += display.lineEnd;
     size_t offset = 6;
     for (unsigned int sequence = 1; offset < length; ++sequence) {
+        const size_t start = out.size();
         appendCanId(ecuId, display, out);
         appendByte(out, static_cast<uint8_t>(0x20 | (sequence & 0x0F)), display.spaces);
-        for (size_t i = 0; i < 7; ++i, ++offset)
+        for (size_t i = 0; i < 7 && (offset < length || display.fillLastFrame); ++i, ++offset)
             appendByte(out, offset < length ? message[offset] : pad, display.spaces);
         out += display.lineEnd;
+        emitFrame(start, out);
     }
 }
 
 void FrameFormatter::formatLine(uint32_t ecuId, const std::vector<uint8_t>& message, const DisplaySettings& display,
                                 std::string& out) const
 {
+    const size_t start = out.size();
     if (!display.headers) {
         appendBytes(out, message.data(), message.size(), display.spaces);
         out += display.lineEnd;
+        emitFrame(start, out);
         return;
     }
     //  KWP:      8L F1 SA data.. sum
@@ -185,6 +194,13 @@ void FrameFormatter::formatLine(uint32_t ecuId, const std::vector<uint8_t>& mess
     ++length;
     appendBytes(out, frame, length, display.spaces);
     out += display.lineEnd;
+    emitFrame(start, out);
+}
+
+void FrameFormatter::emitFrame(size_t start, std::string& out) const
+{
+    if (m_repeat && m_repeat())
+        out += out.substr(start);
 }
 
 } // namespace ElmSim

@@ -5,6 +5,7 @@
 #include "profile.h"
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,7 @@ struct DisplaySettings {
     bool spaces = true;
     bool dlc = false;
     const char* lineEnd = "\r";
+    bool fillLastFrame = true;           // last consecutive frame printed with its filler
 };
 
 // Turns ECU messages into the text an ELM327 prints for them: CAN frames
@@ -30,6 +32,10 @@ public:
     void format(const std::vector<EcuAnswer>& answers, const DisplaySettings& display, size_t maxAnswers,
                 std::string& out) const;
 
+    // Asked for every single or consecutive frame (every line on the other
+    // buses); true prints it twice, as some clones do.
+    void setRepeat(std::function<bool()> repeat) { m_repeat = std::move(repeat); }
+
     // Check bytes of the non-CAN buses.
     static uint8_t sumChecksum(const uint8_t* bytes, size_t length);
     static uint8_t j1850Crc(const uint8_t* bytes, size_t length);
@@ -40,8 +46,10 @@ private:
     void formatLine(uint32_t ecuId, const std::vector<uint8_t>& message, const DisplaySettings& display,
                     std::string& out) const;
     void appendCanId(uint32_t ecuId, const DisplaySettings& display, std::string& out) const;
+    void emitFrame(size_t start, std::string& out) const;
 
     const Profile& m_profile;
+    std::function<bool()> m_repeat;
 };
 
 } // namespace ElmSim

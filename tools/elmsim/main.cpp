@@ -1,7 +1,9 @@
 // elmsim: command-line front end of the ELM327 simulator.
 #include "elmsimserver.h"
+#include "personality.h"
 #include "profilecatalog.h"
 #include "serveroptions.h"
+#include "timingmodel.h"
 
 #include <cerrno>
 #include <csignal>
@@ -38,6 +40,12 @@ const char* const HELP =
     "  --no-identify        ATZ and ATI answer \"?\" (an adapter that does not identify)\n"
     "  --reset-delay MS     ATZ / ATWS boot time (default 500)\n"
     "  --search-delay MS    protocol search time after SEARCHING... (default 1000)\n"
+    "  --adapter NAME       personality: genuine (default), clone-v15, clone-v21,\n"
+    "                       slow-bt, stn, noisy\n"
+    "  --timing MODEL       none (default: answer at once), genuine, bt-clone, wifi, stn\n"
+    "  --seed N             seed of the random source (noise, jitter, timing), so that\n"
+    "                       runs repeat; default: a fresh seed per client\n"
+    "  --replay FILE        answer with the replies of a --transcript recording\n"
     "\n"
     "Faults:\n"
     "  --delay MS           extra delay before every OBD answer (default 0)\n"
@@ -50,6 +58,8 @@ const char* const HELP =
     "                       NO DATA, UNABLE TO CONNECT, ...)\n"
     "  --error-count N      how many answers --error replaces (default 1)\n"
     "  --garbage N          N random bytes (never '>') before every prompt\n"
+    "  --noise              NUL, 0xFC/0xFE, other non-printable bytes and \"+CONNECTED\"\n"
+    "                       status lines around replies, now and then\n"
     "  --transcript FILE    append time-stamped requests and replies to FILE\n"
     "\n"
     "  -h, --help           show this text\n"
@@ -140,6 +150,18 @@ int main(int argc, char** argv)
             options.banner = argv[++i];
         } else if (arg == "--no-identify") {
             options.identify = false;
+        } else if (arg == "--adapter" && hasValue) {
+            options.adapter = argv[++i];
+        } else if (arg == "--timing" && hasValue) {
+            options.timing = argv[++i];
+        } else if (arg == "--replay" && hasValue) {
+            options.replayPath = argv[++i];
+        } else if (arg == "--noise") {
+            options.noise = true;
+        } else if (arg == "--seed") {
+            if (!number(0, 2147483647, value))
+                return usageError("--seed needs a number 0..2147483647");
+            options.seed = value;
         } else {
             return usageError("unknown or incomplete option " + arg);
         }
@@ -150,6 +172,12 @@ int main(int argc, char** argv)
     ElmSim::Profile unused;
     if (!ElmSim::ProfileCatalog::find(options.profile, unused))
         return usageError("unknown profile " + options.profile + " (see --list-profiles)");
+    ElmSim::Personality personality;
+    if (!ElmSim::Personality::find(options.adapter, personality))
+        return usageError("unknown adapter " + options.adapter + " (see --help)");
+    ElmSim::TimingModel::Kind kind;
+    if (!ElmSim::TimingModel::find(options.timing, kind))
+        return usageError("unknown timing model " + options.timing + " (see --help)");
 
     // Block the stop signals before the serving thread exists, so that
     // only sigwait below ever sees them.

@@ -70,4 +70,16 @@ std::vector<std::string> RuntimeControl::requestLog() const
     return std::vector<std::string>(m_requestLog.begin(), m_requestLog.end());
 }
 
+void RuntimeControl::setLastExchange(const ExchangeTiming& timing)
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    m_lastExchange = timing;
+}
+
+ExchangeTiming RuntimeControl::lastExchange() const
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    return m_lastExchange;
+}
+
 } // namespace ElmSim

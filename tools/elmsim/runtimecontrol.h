@@ -2,6 +2,7 @@
 #define ELMSIM_RUNTIMECONTROL_H
 
 #include "serveroptions.h"
+#include "timingmodel.h"
 
 #include <atomic>
 #include <deque>
@@ -41,6 +42,10 @@ public:
     static constexpr size_t MAX_LOG = 100000;
     std::vector<std::string> requestLog() const;
 
+    // How the last reply's time was spent, as modelled.
+    void setLastExchange(const ExchangeTiming& timing);
+    ExchangeTiming lastExchange() const;
+
 private:
     std::atomic<unsigned int> m_delayMs;
     std::atomic<unsigned int> m_jitterMs;
@@ -54,6 +59,7 @@ private:
     int m_dropAfter;
     int m_dropRemaining;
     std::deque<std::string> m_requestLog;      // the most recent MAX_LOG lines
+    ExchangeTiming m_lastExchange;
 };
 
 } // namespace ElmSim

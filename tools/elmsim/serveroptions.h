@@ -1,6 +1,7 @@
 #ifndef ELMSIM_SERVEROPTIONS_H
 #define ELMSIM_SERVEROPTIONS_H
 
+#include <cstdint>
 #include <string>
 
 namespace ElmSim {
@@ -24,6 +25,12 @@ struct ServerOptions {
     bool frozen = false;                  // live values fixed at their t=0 values
     std::string banner;                   // identity text; empty: "ELM327 v1.5"
     bool identify = true;                 // false: ATZ/ATI answer "?"
+    std::string adapter = "genuine";      // personality, see Personality::names()
+    std::string timing = "none";          // timing model, see TimingModel::names()
+    bool noise = false;                   // noise bytes and status lines around replies
+    std::string replayPath;               // answer from a recorded transcript instead
+    int64_t seed = -1;                    // random source of every session; -1: a fresh one
+    double timeScale = 1.0;               // scales the modelled waits (0: report, do not wait)
     unsigned int lineSpeed = 0;           // on a terminal: the termios speed (B38400...)
                                           // it must be set to, else noise comes back; 0 any
 };

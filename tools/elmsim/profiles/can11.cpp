@@ -13,6 +13,7 @@ Profile ProfileCatalog::can11()
 
     EcuProfile engine;
     engine.id = 0x7E8;
+    engine.latencyMs = 12;
     engine.name = "engine";
     engine.padByte = 0xAA;
     engine.pids01 = { 0x01, 0x03, 0x04, 0x05, 0x06, 0x07, 0x0B, 0x0C, 0x0D, 0x0E, 0x0F, 0x10, 0x11,
@@ -51,6 +52,7 @@ Profile ProfileCatalog::can11()
 
     EcuProfile gearbox;
     gearbox.id = 0x7E9;
+    gearbox.latencyMs = 20;
     gearbox.name = "transmission";
     gearbox.padByte = 0x00;
     gearbox.pids01 = { 0x01, 0x0D, 0x1C };

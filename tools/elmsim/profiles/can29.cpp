@@ -17,6 +17,7 @@ Profile ProfileCatalog::can29()
 
     EcuProfile engine;
     engine.id = 0x18DAF110;
+    engine.latencyMs = 10;
     engine.name = "engine";
     engine.padByte = 0xAA;
     engine.printPadding = false;
@@ -51,6 +52,7 @@ Profile ProfileCatalog::can29()
 
     EcuProfile gearbox;
     gearbox.id = 0x18DAF118;
+    gearbox.latencyMs = 25;
     gearbox.name = "transmission";
     gearbox.padByte = 0xAA;
     gearbox.printPadding = false;

@@ -19,6 +19,7 @@ Profile ProfileCatalog::diesel()
 
     EcuProfile engine;
     engine.id = 0x7E8;
+    engine.latencyMs = 18;
     engine.name = "engine";
     engine.padByte = 0x55;
     engine.printPadding = false;

@@ -16,6 +16,7 @@ Profile ProfileCatalog::kwp()
 
     EcuProfile engine;
     engine.id = 0x11;
+    engine.latencyMs = 30;
     engine.name = "engine";
     engine.pids01 = { 0x01, 0x03, 0x04, 0x05, 0x06, 0x07, 0x0B, 0x0C, 0x0D, 0x0E, 0x0F, 0x11,
                       0x14, 0x15, 0x1C, 0x1D, 0x1F, 0x21, 0x2F, 0x30, 0x31, 0x33 };
@@ -62,6 +63,7 @@ Profile ProfileCatalog::kwp()
 
     EcuProfile gearbox;
     gearbox.id = 0x18;
+    gearbox.latencyMs = 45;
     gearbox.name = "transmission";
     gearbox.pids01 = { 0x01, 0x0D };
     gearbox.infoTypes09 = { 0x03, 0x04 };
