@@ -1,14 +1,11 @@
 #include "connectionmanager.h"
 
-#include "bluetoothbus.h"
-#include "iconnection.h"
+#include "adapteraddress.h"
 #include "iobdproxy.h"
-#include "iscantool.h"
-#include "linkopener.h"
 #include "obdproxy.h"
 #include "settingsmodel.h"
-#include "tcpbus.h"
 #include "trlog.h"
+#include "vehiclelink.h"
 #include "workerthread.h"
 #include "zrvinfo.h"
 
@@ -25,6 +22,7 @@ const char* const ConnectionManager::FAILED_TO_INITIALIZE_COMMUNICATION
     = "Failed to initialize communication";
 const char* const ConnectionManager::CONNECTIVITY_LOST = "Connectivity suddenly lost";
 const char* const ConnectionManager::BLUETOOTH_TURNED_ON = "Turned Bluetooth on";
+const char* const ConnectionManager::OPENING_CANCELLED = "Opening cancelled";
 
 namespace {
 
@@ -51,12 +49,11 @@ unsigned int portNumber(const QString& text)
 
 ConnectionManager::ConnectionManager(Obd::SettingsModel* settings, QObject* parent)
     : QObject(parent)
-    , m_connection(nullptr)
-    , m_scantool(nullptr)
     , m_proxy(createProxy())
     , m_connected(false)
     , m_settings(settings)
     , m_localDevice(new QBluetoothLocalDevice(this))
+    , m_awaitingBluetooth(false)
 {
 }
 
@@ -70,6 +67,7 @@ void ConnectionManager::shutdown()
 {
     m_opening.waitForFinished();
     closeConnection();
+    m_link.reset();
 }
 
 bool ConnectionManager::openConnection()
@@ -87,6 +85,7 @@ bool ConnectionManager::openConnection()
         && m_localDevice->hostMode() == QBluetoothLocalDevice::HostPoweredOff) {
         connect(m_localDevice, &QBluetoothLocalDevice::hostModeStateChanged, this,
                 &ConnectionManager::onHostModeStateChanged);
+        m_awaitingBluetooth = true;
         m_localDevice->powerOn();
         return true;
     }
@@ -109,79 +108,95 @@ void ConnectionManager::onHostModeStateChanged(QBluetoothLocalDevice::HostMode s
     if (state == QBluetoothLocalDevice::HostPoweredOff || m_connected)
         return;
     disconnect(m_localDevice, nullptr, this, nullptr);
+    m_awaitingBluetooth = false;
     Obd::ZrvInfo info(BLUETOOTH_TURNED_ON);
     info.show();
     startOpenThread();
 }
 
+Obd::AdapterAddress ConnectionManager::adapterAddress() const
+{
+    switch (m_settings->connectionMethod()) {
+    case Obd::SettingsModel::CM_WIFI:
+        return Obd::AdapterAddress::tcp(m_settings->ipAddress().toStdString(),
+                                        portNumber(m_settings->ipPort()));
+    case Obd::SettingsModel::CM_BLUETOOTH:
+        return Obd::AdapterAddress::bluetooth(m_settings->bluetoothDeviceAddress().toStdString());
+    case Obd::SettingsModel::CM_SERIAL:
+        return Obd::AdapterAddress::serial(m_settings->serialDevice().toStdString(),
+                                           Obd::SettingsModel::baudRate(m_settings->serialBaudRate()));
+    default:
+        return Obd::AdapterAddress();
+    }
+}
+
 void ConnectionManager::startOpenThread()
 {
+    m_opening.waitForFinished();
+    if (!m_connected)
+        m_link.reset(new Obd::VehicleLink(m_proxy, this));
     // The outcome arrives as connected() or failed().
     m_opening = QtConcurrent::run(&ConnectionManager::openThread, this);
 }
 
 void ConnectionManager::openThread()
 {
-    Obd::IMessageBus* bus = nullptr;
-    const int method = m_settings->connectionMethod();
-    if (method == Obd::SettingsModel::CM_WIFI) {
-        Obd::TcpBus* tcpBus = new Obd::TcpBus();
-        if (!tcpBus->init(m_settings->ipAddress().toStdString(), portNumber(m_settings->ipPort()))) {
-            // An unaimed socket must not be opened: it is a plain connect failure.
-            OBD_ERROR << "Cannot resolve " << m_settings->ipAddress().toStdString();
-            delete tcpBus;
-            failOpening(FAILED_TO_CONNECT);
-            return;
-        }
-        bus = tcpBus;
-    } else if (method == Obd::SettingsModel::CM_BLUETOOTH) {
-        Obd::BluetoothBus* bluetoothBus = new Obd::BluetoothBus();
-        bluetoothBus->init(m_settings->bluetoothDeviceAddress().toStdString(), SERIAL_PORT_CHANNEL);
-        bus = bluetoothBus;
-    }
-    if (!bus) {
+    if (!m_link) {
         failOpening(FAILED_TO_CONNECT);
         return;
     }
-
-    // The one opening dialogue of the library; it cleans up after a failure.
-    Obd::IConnection* connection = nullptr;
-    Obd::IScantool* scantool = nullptr;
-    switch (Obd::LinkOpener().open(bus, this, m_proxy, connection, scantool)) {
-    case Obd::LinkOpener::LO_OK:
+    // The one opening dialogue of the library; the link cleans up after a failure.
+    switch (m_link->open(adapterAddress())) {
+    case Obd::VehicleLink::VL_OK:
         break;
-    case Obd::LinkOpener::LO_CONNECT_FAILED:
-        failOpening(FAILED_TO_CONNECT);
-        return;
-    case Obd::LinkOpener::LO_IDENTIFY_FAILED:
+    case Obd::VehicleLink::VL_NOT_IDENTIFIED:
         failOpening(FAILED_TO_IDENTIFY);
         return;
-    case Obd::LinkOpener::LO_INITIALIZE_FAILED:
+    case Obd::VehicleLink::VL_NOT_INITIALIZED:
         failOpening(FAILED_TO_INITIALIZE_SCANTOOL);
         return;
-    case Obd::LinkOpener::LO_DISCOVERY_FAILED:
+    case Obd::VehicleLink::VL_VEHICLE_NOT_REACHED:
         failOpening(FAILED_TO_INITIALIZE_COMMUNICATION);
         return;
+    case Obd::VehicleLink::VL_CANCELLED:
+        failOpening(OPENING_CANCELLED);
+        return;
+    default:
+        OBD_ERROR << "Cannot connect to " << m_link->address().toString() << ": "
+                  << m_link->errorString();
+        failOpening(FAILED_TO_CONNECT);
+        return;
     }
-    m_connection = connection;
-    m_scantool = scantool;
     m_connected = true;
     emit connected();
 }
 
 void ConnectionManager::failOpening(const QString& reason)
 {
-    delete m_scantool;
-    m_scantool = nullptr;
-    delete m_connection;
-    m_connection = nullptr;
     emit failed(reason);
+}
+
+void ConnectionManager::cancelOpening()
+{
+    if (m_awaitingBluetooth) {
+        disconnect(m_localDevice, nullptr, this, nullptr);
+        m_awaitingBluetooth = false;
+        failOpening(OPENING_CANCELLED);
+        return;
+    }
+    if (m_link && m_opening.isRunning())
+        m_link->cancel();
 }
 
 void ConnectionManager::closeConnection()
 {
-    m_connected = false;
-    if (!m_connection)
+    // An opening under way owns its link; one that has just connected is
+    // about to end.
+    if (m_connected.exchange(false))
+        m_opening.waitForFinished();
+    else if (m_opening.isRunning())
+        return;
+    if (!m_link || !m_link->isOpen())
         return;
     // The screens stop polling and unhook their requests from the proxy;
     // an exchange already running on the worker still uses the scan tool,
@@ -190,20 +205,10 @@ void ConnectionManager::closeConnection()
     if (!Obd::WorkerThread::flush(CLOSE_WAIT_MS)) {
         // Deleting under a running exchange would crash; leaking cannot.
         OBD_WARN << "exchange still running after " << CLOSE_WAIT_MS << " ms, link left open";
-        m_scantool = nullptr;
-        m_connection = nullptr;
+        m_link.release();
         return;
     }
-    m_proxy->reset();
-    if (m_connection->isConnected()) {
-        if (m_scantool)
-            m_scantool->sendReset();
-        m_connection->close();
-    }
-    delete m_scantool;
-    m_scantool = nullptr;
-    delete m_connection;
-    m_connection = nullptr;
+    m_link->close();
 }
 
 void ConnectionManager::onDisconnected()

@@ -1,3 +1,4 @@
+#include "connectionmanager.h"
 #include "consolelogger.h"
 #include "libobd.h"
 #include "trlog.h"
@@ -8,8 +9,13 @@
 #include <QQuickItem>
 #include <QQuickView>
 
+#include <csignal>
+
 int main(int argc, char** argv)
 {
+    // A link that dies under a write must give an error, not end the application.
+    std::signal(SIGPIPE, SIG_IGN);
+
     QGuiApplication app(argc, argv);
     app.setApplicationName("Zarvane");
     app.setOrganizationName("Quillot");
@@ -33,6 +39,10 @@ int main(int argc, char** argv)
     }
 
     Harmattan::Zarvane* zarvane = new Harmattan::Zarvane(view.rootObject(), view.rootContext());
+    QObject* mainView = view.rootObject()->findChild<QObject*>("mainView");
+    if (mainView)
+        QObject::connect(mainView, SIGNAL(cancelButtonClicked()), zarvane->connectionManager(),
+                         SLOT(cancelOpening()));
 
     // A phone-sized portrait window, resizable.
     view.resize(480, 854);

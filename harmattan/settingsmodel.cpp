@@ -1,5 +1,7 @@
 #include "settingsmodel.h"
 
+#include "adapteraddress.h"
+
 #include <QSettings>
 
 namespace Obd {
@@ -9,11 +11,16 @@ const char* const SettingsModel::KEY_BLUETOOTH_DEVICE_NAME = "connectivity/defau
 const char* const SettingsModel::KEY_BLUETOOTH_DEVICE_ADDRESS = "connectivity/defaultBluetoothDeviceAddress";
 const char* const SettingsModel::KEY_IP_ADDRESS = "connectivity/defaultIpAddress";
 const char* const SettingsModel::KEY_IP_PORT = "connectivity/defaultIpPort";
+const char* const SettingsModel::KEY_SERIAL_DEVICE = "connectivity/serialDevice";
+const char* const SettingsModel::KEY_SERIAL_BAUD_RATE = "connectivity/serialBaudRate";
 
 const char* const SettingsModel::DEFAULT_BLUETOOTH_DEVICE_NAME = "None";
 const char* const SettingsModel::DEFAULT_BLUETOOTH_DEVICE_ADDRESS = "00:00:00:00:00:00";
 const char* const SettingsModel::DEFAULT_IP_ADDRESS = "0.0.0.0";
 const char* const SettingsModel::DEFAULT_IP_PORT = "0";
+const char* const SettingsModel::DEFAULT_SERIAL_DEVICE = "";
+const char* const SettingsModel::DEFAULT_SERIAL_BAUD_RATE = "38400";
+const char* const SettingsModel::AUTO_BAUD_RATE = "auto";
 
 SettingsModel::SettingsModel(QObject* parent)
     : QObject(parent)
@@ -22,6 +29,8 @@ SettingsModel::SettingsModel(QObject* parent)
     , m_bluetoothDeviceAddress(DEFAULT_BLUETOOTH_DEVICE_ADDRESS)
     , m_ipAddress(DEFAULT_IP_ADDRESS)
     , m_ipPort(DEFAULT_IP_PORT)
+    , m_serialDevice(DEFAULT_SERIAL_DEVICE)
+    , m_serialBaudRate(DEFAULT_SERIAL_BAUD_RATE)
 {
     QSettings settings;
     if (settings.contains(KEY_CONNECTION_METHOD))
@@ -34,6 +43,10 @@ SettingsModel::SettingsModel(QObject* parent)
         m_ipAddress = settings.value(KEY_IP_ADDRESS).toString();
     if (settings.contains(KEY_IP_PORT))
         m_ipPort = settings.value(KEY_IP_PORT).toString();
+    if (settings.contains(KEY_SERIAL_DEVICE))
+        m_serialDevice = settings.value(KEY_SERIAL_DEVICE).toString();
+    if (settings.contains(KEY_SERIAL_BAUD_RATE))
+        m_serialBaudRate = settings.value(KEY_SERIAL_BAUD_RATE).toString();
 }
 
 int SettingsModel::connectionMethod() const
@@ -59,6 +72,29 @@ QString SettingsModel::ipAddress() const
 QString SettingsModel::ipPort() const
 {
     return m_ipPort;
+}
+
+QString SettingsModel::serialDevice() const
+{
+    return m_serialDevice;
+}
+
+QString SettingsModel::serialBaudRate() const
+{
+    return m_serialBaudRate;
+}
+
+unsigned int SettingsModel::baudRate(const QString& text)
+{
+    unsigned int rate = AdapterAddress::AUTO_BAUD;
+    return AdapterAddress::parseBaud(text.trimmed().toStdString(), rate) ? rate
+                                                                        : AdapterAddress::AUTO_BAUD;
+}
+
+bool SettingsModel::isBaudRate(const QString& text)
+{
+    unsigned int unused = 0;
+    return AdapterAddress::parseBaud(text.trimmed().toStdString(), unused);
 }
 
 void SettingsModel::setConnectionMethod(int method)
@@ -96,6 +132,20 @@ void SettingsModel::setIpPort(const QString& port)
     emit ipPortChanged();
 }
 
+void SettingsModel::setSerialDevice(const QString& device)
+{
+    m_serialDevice = device;
+    QSettings().setValue(KEY_SERIAL_DEVICE, device);
+    emit serialDeviceChanged();
+}
+
+void SettingsModel::setSerialBaudRate(const QString& rate)
+{
+    m_serialBaudRate = rate;
+    QSettings().setValue(KEY_SERIAL_BAUD_RATE, rate);
+    emit serialBaudRateChanged();
+}
+
 bool SettingsModel::isValid() const
 {
     switch (m_connectionMethod) {
@@ -105,6 +155,8 @@ bool SettingsModel::isValid() const
     case CM_WIFI:
         return m_ipAddress != QLatin1String(DEFAULT_IP_ADDRESS)
             && m_ipPort != QLatin1String(DEFAULT_IP_PORT);
+    case CM_SERIAL:
+        return !m_serialDevice.isEmpty() && isBaudRate(m_serialBaudRate);
     default:
         return false;
     }

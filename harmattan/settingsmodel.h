@@ -16,21 +16,29 @@ class SettingsModel : public QObject
     Q_PROPERTY(QString bluetoothDeviceAddress READ bluetoothDeviceAddress WRITE setBluetoothDeviceAddress NOTIFY bluetoothDeviceAddressChanged)
     Q_PROPERTY(QString ipAddress READ ipAddress WRITE setIpAddress NOTIFY ipAddressChanged)
     Q_PROPERTY(QString ipPort READ ipPort WRITE setIpPort NOTIFY ipPortChanged)
+    Q_PROPERTY(QString serialDevice READ serialDevice WRITE setSerialDevice NOTIFY serialDeviceChanged)
+    Q_PROPERTY(QString serialBaudRate READ serialBaudRate WRITE setSerialBaudRate NOTIFY serialBaudRateChanged)
 
 public:
-    enum ConnectionMethod { CM_BLUETOOTH = 0, CM_WIFI = 1 };
+    enum ConnectionMethod { CM_BLUETOOTH = 0, CM_WIFI = 1, CM_SERIAL = 2 };
 
     static const char* const KEY_CONNECTION_METHOD;
     static const char* const KEY_BLUETOOTH_DEVICE_NAME;
     static const char* const KEY_BLUETOOTH_DEVICE_ADDRESS;
     static const char* const KEY_IP_ADDRESS;
     static const char* const KEY_IP_PORT;
+    static const char* const KEY_SERIAL_DEVICE;
+    static const char* const KEY_SERIAL_BAUD_RATE;
 
     // The defaults double as "never set" markers for isValid().
     static const char* const DEFAULT_BLUETOOTH_DEVICE_NAME;
     static const char* const DEFAULT_BLUETOOTH_DEVICE_ADDRESS;
     static const char* const DEFAULT_IP_ADDRESS;
     static const char* const DEFAULT_IP_PORT;
+    static const char* const DEFAULT_SERIAL_DEVICE;
+    static const char* const DEFAULT_SERIAL_BAUD_RATE;
+    // The baud rate text that asks for detection.
+    static const char* const AUTO_BAUD_RATE;
 
     explicit SettingsModel(QObject* parent = nullptr);
 
@@ -39,12 +47,19 @@ public:
     QString bluetoothDeviceAddress() const;
     QString ipAddress() const;
     QString ipPort() const;
+    QString serialDevice() const;
+    QString serialBaudRate() const;
+    // The rate a baud rate text stands for (0: detect); 0 too for a text that is none.
+    static unsigned int baudRate(const QString& text);
+    static bool isBaudRate(const QString& text);
 
     void setConnectionMethod(int method);
     void setBluetoothDeviceName(const QString& name);
     void setBluetoothDeviceAddress(const QString& address);
     void setIpAddress(const QString& address);
     void setIpPort(const QString& port);
+    void setSerialDevice(const QString& device);
+    void setSerialBaudRate(const QString& rate);
 
     Q_INVOKABLE bool isValid() const;
 
@@ -54,6 +69,8 @@ signals:
     void bluetoothDeviceAddressChanged();
     void ipAddressChanged();
     void ipPortChanged();
+    void serialDeviceChanged();
+    void serialBaudRateChanged();
 
 private:
     int m_connectionMethod;
@@ -61,6 +78,8 @@ private:
     QString m_bluetoothDeviceAddress;
     QString m_ipAddress;
     QString m_ipPort;
+    QString m_serialDevice;
+    QString m_serialBaudRate;
 };
 
 } // namespace Obd

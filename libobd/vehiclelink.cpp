@@ -39,7 +39,7 @@ VehicleLink::VehicleLink(IObdProxy* proxy, IDisconnectListener* listener)
     : m_proxy(proxy)
     , m_listener(listener)
     , m_interrupt(std::make_shared<BusInterrupt>())
-    , m_cancelled(false)
+    , m_state(LS_CLOSED)
     , m_connection(nullptr)
     , m_scantool(nullptr)
 {
@@ -57,8 +57,9 @@ void VehicleLink::setProgress(const LinkOpener::Progress& progress)
 
 void VehicleLink::cancel()
 {
-    m_cancelled = true;
-    m_interrupt->raise();
+    int closed = LS_CLOSED;
+    if (m_state.compare_exchange_strong(closed, LS_CANCELLED))
+        m_interrupt->raise();
 }
 
 VehicleLink::Status VehicleLink::open(const AdapterAddress& address)
@@ -67,6 +68,8 @@ VehicleLink::Status VehicleLink::open(const AdapterAddress& address)
     m_error.clear();
     if (m_connection)
         return VL_OK;
+    if (isCancelled())
+        return VL_CANCELLED;
     if (!address.isValid()) {
         m_error = "not an adapter address: " + address.toString();
         return VL_BAD_ADDRESS;
@@ -103,12 +106,19 @@ VehicleLink::Status VehicleLink::open(const AdapterAddress& address)
 
     LinkOpener opener;
     opener.setProgress(m_progress);
-    opener.setCancelled([this]() { return m_cancelled.load(); });
-    switch (opener.open(bus, m_listener, m_proxy, m_connection, m_scantool)) {
+    opener.setCancelled([this]() { return isCancelled(); });
+    LinkOpener::Result result = opener.open(bus, m_listener, m_proxy, m_connection, m_scantool);
+    int closed = LS_CLOSED;
+    if (result == LinkOpener::LO_OK && !m_state.compare_exchange_strong(closed, LS_OPEN)) {
+        // Cancelled after the last step: the user no longer wants it.
+        close();
+        result = LinkOpener::LO_CANCELLED;
+    }
+    m_error = opener.connectError();
+    switch (result) {
     case LinkOpener::LO_OK:
         return VL_OK;
     case LinkOpener::LO_CONNECT_FAILED:
-        m_error = opener.connectError();
         if (opener.connectStatus() == IMessageBus::OS_HOST_DOWN)
             return VL_NO_ANSWER;
         if (opener.connectStatus() == IMessageBus::OS_CONNECTION_REFUSED)
@@ -140,6 +150,8 @@ void VehicleLink::close()
     m_scantool = nullptr;
     delete m_connection;
     m_connection = nullptr;
+    int open = LS_OPEN;
+    m_state.compare_exchange_strong(open, LS_CLOSED);
 }
 
 } // namespace Obd

@@ -45,12 +45,13 @@ public:
     ~VehicleLink();
 
     void setProgress(const LinkOpener::Progress& progress);
-    // Blocks through the whole opening; once per link.
+    // Blocks through the whole opening; an open link stays as it is.
     Status open(const AdapterAddress& address);
-    // Any thread, any time: an opening under way ends with VL_CANCELLED as
-    // soon as its current wait does; a later open() fails the same way.
+    // Any thread, async-signal-safe: an opening under way ends with
+    // VL_CANCELLED as soon as its current wait does, and so does every later
+    // open(). A link already open is left alone.
     void cancel();
-    bool isCancelled() const { return m_cancelled; }
+    bool isCancelled() const { return m_state == LS_CANCELLED; }
     // Resets the adapter if it is still there, then closes. The caller makes
     // sure no exchange is running.
     void close();
@@ -60,7 +61,8 @@ public:
     IScantool* scantool() const { return m_scantool; }
     IObdProxy* proxy() const { return m_proxy; }
     const AdapterAddress& address() const { return m_address; }
-    // The system's words for the last connect failure.
+    // The system's words for the last connect failure ("Operation canceled"
+    // when cancel() ended the connect).
     std::string errorString() const { return m_error; }
 
 private:
@@ -72,7 +74,8 @@ private:
     LinkOpener::Progress m_progress;
     AdapterAddress m_address;
     std::shared_ptr<BusInterrupt> m_interrupt;
-    std::atomic<bool> m_cancelled;
+    enum State { LS_CLOSED, LS_OPEN, LS_CANCELLED };
+    std::atomic<int> m_state;
     IConnection* m_connection;
     IScantool* m_scantool;
     std::string m_error;

@@ -12,6 +12,8 @@ ZPage {
     property int connectionStatus: 0
 
     signal connectionButtonClicked()
+    // While opening: give the opening up.
+    signal cancelButtonClicked()
     signal settingsButtonClicked()
     signal aboutButtonClicked()
     signal clicked(int index)
@@ -244,7 +246,8 @@ ZPage {
             id: connectionButton
             objectName: "connectionButton"
             anchors.left: parent.left
-            anchors.right: parent.right
+            anchors.right: cancelButton.visible ? cancelButton.left : parent.right
+            anchors.rightMargin: cancelButton.visible ? 12 : Theme.margin
             anchors.bottom: parent.bottom
             anchors.margins: Theme.margin
             height: 64
@@ -282,6 +285,34 @@ ZPage {
                              : page.connectionStatus === 2 ? Theme.text : Theme.accentText
                     }
                 }
+            }
+        }
+
+        Button {
+            id: cancelButton
+            objectName: "cancelButton"
+            anchors.right: parent.right
+            anchors.bottom: parent.bottom
+            anchors.margins: Theme.margin
+            width: 132
+            height: 64
+            visible: page.connectionStatus === 1
+            text: "Cancel"
+            onClicked: page.cancelButtonClicked()
+
+            background: Rectangle {
+                radius: Theme.radius
+                color: cancelButton.pressed ? Theme.pressed : Theme.surfaceRaised
+                border.color: Theme.danger
+                border.width: 2
+            }
+            contentItem: Text {
+                text: cancelButton.text
+                horizontalAlignment: Text.AlignHCenter
+                verticalAlignment: Text.AlignVCenter
+                font.pixelSize: Theme.fontLarge
+                font.bold: true
+                color: Theme.text
             }
         }
     }

@@ -12,16 +12,23 @@ ZPage {
     property string ipPort: "0"
     property string ipAddressError
     property string ipPortError
+    property string serialDevice
+    property string serialBaudRate: "38400"
+    property string serialDeviceError
+    property string serialBaudRateError
 
     signal connectionMethodChanged(string method)
     // ipAddress and ipPort already own the ...Changed() signal names.
     signal ipAddressEdited(string address)
     signal ipPortEdited(string port)
     signal searchBluetoothDevices()
+    signal serialDeviceEdited(string device)
+    signal serialBaudRateEdited(string rate)
 
     title: "Settings"
 
     readonly property bool bluetooth: connectionMethodText === "bluetooth"
+    readonly property bool serial: connectionMethodText === "serial"
 
     component SectionLabel: Text {
         color: Theme.accent
@@ -94,17 +101,24 @@ ZPage {
                 spacing: 12
                 MethodButton {
                     objectName: "bluetoothButton"
-                    width: (parent.width - parent.spacing) / 2
+                    width: (parent.width - 2 * parent.spacing) / 3
                     text: "Bluetooth"
                     selected: page.bluetooth
                     onClicked: page.connectionMethodChanged("bluetooth")
                 }
                 MethodButton {
                     objectName: "wifiButton"
-                    width: (parent.width - parent.spacing) / 2
+                    width: (parent.width - 2 * parent.spacing) / 3
                     text: "Wi-Fi"
                     selected: page.connectionMethodText === "wifi"
                     onClicked: page.connectionMethodChanged("wifi")
+                }
+                MethodButton {
+                    objectName: "serialButton"
+                    width: (parent.width - 2 * parent.spacing) / 3
+                    text: "Serial"
+                    selected: page.serial
+                    onClicked: page.connectionMethodChanged("serial")
                 }
             }
 
@@ -171,7 +185,7 @@ ZPage {
             Column {
                 width: parent.width
                 spacing: 8
-                visible: !page.bluetooth
+                visible: !page.bluetooth && !page.serial
 
                 SectionLabel { text: "Wi-Fi adapter" }
 
@@ -223,6 +237,56 @@ ZPage {
                 }
             }
 
+            Column {
+                width: parent.width
+                spacing: 8
+                visible: page.serial
+
+                SectionLabel { text: "Serial adapter" }
+
+                FieldLabel { text: "Device" }
+                Field {
+                    objectName: "serialDeviceField"
+                    width: parent.width
+                    text: page.serialDevice
+                    invalid: page.serialDeviceError !== ""
+                    placeholderText: "/dev/ttyUSB0"
+                    inputMethodHints: Qt.ImhNoAutoUppercase | Qt.ImhNoPredictiveText
+                    onEditingFinished: if (text !== page.serialDevice) page.serialDeviceEdited(text)
+                }
+                Text {
+                    objectName: "serialDeviceErrorText"
+                    width: parent.width
+                    visible: page.serialDeviceError !== ""
+                    text: page.serialDeviceError
+                    color: Theme.danger
+                    font.pixelSize: Theme.fontSmall
+                    wrapMode: Text.WordWrap
+                }
+
+                Item { width: 1; height: 4 }
+
+                FieldLabel { text: "Baud rate (a number, or auto)" }
+                Field {
+                    objectName: "serialBaudRateField"
+                    width: parent.width
+                    text: page.serialBaudRate
+                    invalid: page.serialBaudRateError !== ""
+                    placeholderText: "38400"
+                    inputMethodHints: Qt.ImhNoAutoUppercase | Qt.ImhNoPredictiveText
+                    onEditingFinished: if (text !== page.serialBaudRate) page.serialBaudRateEdited(text)
+                }
+                Text {
+                    objectName: "serialBaudRateErrorText"
+                    width: parent.width
+                    visible: page.serialBaudRateError !== ""
+                    text: page.serialBaudRateError
+                    color: Theme.danger
+                    font.pixelSize: Theme.fontSmall
+                    wrapMode: Text.WordWrap
+                }
+            }
+
             Item { width: 1; height: 8 }
 
             Text {
@@ -232,6 +296,8 @@ ZPage {
                 font.pixelSize: Theme.fontSmall
                 text: page.bluetooth
                       ? "Pair the adapter with this device first, then choose it from the search."
+                      : page.serial
+                      ? "Plug the adapter in, or bind a Bluetooth one to /dev/rfcomm0. Most adapters talk at 38400 baud; auto tries the usual rates."
                       : "Join the adapter's Wi-Fi network first. Most adapters listen on 192.168.0.10, port 35000."
             }
         }

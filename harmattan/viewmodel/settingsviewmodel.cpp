@@ -14,11 +14,16 @@ const char* const SettingsViewModel::IP_ADDRESS_PROBLEM
 const char* const SettingsViewModel::IP_ADDRESS_UNSET_PROBLEM
     = "0.0.0.0 is not an adapter address";
 const char* const SettingsViewModel::IP_PORT_PROBLEM = "Enter a port number from 1 to 65535";
+const char* const SettingsViewModel::SERIAL_DEVICE_PROBLEM
+    = "Enter the adapter's device path, such as /dev/ttyUSB0 or /dev/rfcomm0";
+const char* const SettingsViewModel::SERIAL_BAUD_RATE_PROBLEM
+    = "Enter a baud rate such as 38400, or auto to detect it";
 
 namespace {
 
 const char* const METHOD_BLUETOOTH = "bluetooth";
 const char* const METHOD_WIFI = "wifi";
+const char* const METHOD_SERIAL = "serial";
 const int MAX_HOST_NAME_LENGTH = 253;
 
 bool isDottedIpv4(const QString& text)
@@ -69,6 +74,10 @@ SettingsViewModel::SettingsViewModel(Obd::SettingsModel* settings,
             &SettingsViewModel::updateBluetoothDevice);
     connect(m_settings, &Obd::SettingsModel::bluetoothDeviceAddressChanged, this,
             &SettingsViewModel::updateBluetoothDevice);
+    connect(m_settings, &Obd::SettingsModel::serialDeviceChanged, this,
+            &SettingsViewModel::updateSerial);
+    connect(m_settings, &Obd::SettingsModel::serialBaudRateChanged, this,
+            &SettingsViewModel::updateSerial);
 }
 
 void SettingsViewModel::setView(QObject* view)
@@ -84,6 +93,9 @@ void SettingsViewModel::setView(QObject* view)
     setViewProperty("ipPort", m_settings->ipPort());
     setViewProperty("ipAddressError", QString());
     setViewProperty("ipPortError", QString());
+    updateSerial();
+    setViewProperty("serialDeviceError", QString());
+    setViewProperty("serialBaudRateError", QString());
 
     connect(m_view, &QObject::destroyed, this, &SettingsViewModel::onViewDestroyed);
     connect(m_view, SIGNAL(connectionMethodChanged(QString)), this,
@@ -92,6 +104,10 @@ void SettingsViewModel::setView(QObject* view)
     connect(m_view, SIGNAL(ipAddressEdited(QString)), this, SLOT(onViewIpAddressChanged(QString)));
     connect(m_view, SIGNAL(ipPortEdited(QString)), this, SLOT(onViewIpPortChanged(QString)));
     connect(m_view, SIGNAL(searchBluetoothDevices()), this, SLOT(onShowBluetoothSearch()));
+    connect(m_view, SIGNAL(serialDeviceEdited(QString)), this,
+            SLOT(onViewSerialDeviceChanged(QString)));
+    connect(m_view, SIGNAL(serialBaudRateEdited(QString)), this,
+            SLOT(onViewSerialBaudRateChanged(QString)));
 }
 
 void SettingsViewModel::setContext(QQmlContext*)
@@ -105,6 +121,8 @@ QString SettingsViewModel::methodText(int method)
         return QString::fromLatin1(METHOD_BLUETOOTH);
     case Obd::SettingsModel::CM_WIFI:
         return QString::fromLatin1(METHOD_WIFI);
+    case Obd::SettingsModel::CM_SERIAL:
+        return QString::fromLatin1(METHOD_SERIAL);
     default:
         return QString();
     }
@@ -134,12 +152,28 @@ QString SettingsViewModel::ipPortProblem(const QString& port)
     return QString();
 }
 
+QString SettingsViewModel::serialDeviceProblem(const QString& device)
+{
+    const QString text = device.trimmed();
+    return text.startsWith(QLatin1Char('/')) && text.size() > 1
+               ? QString()
+               : QString::fromLatin1(SERIAL_DEVICE_PROBLEM);
+}
+
+QString SettingsViewModel::serialBaudRateProblem(const QString& rate)
+{
+    return Obd::SettingsModel::isBaudRate(rate) ? QString()
+                                                : QString::fromLatin1(SERIAL_BAUD_RATE_PROBLEM);
+}
+
 void SettingsViewModel::onViewConnectionMethodChanged(QString method)
 {
     if (method == QLatin1String(METHOD_BLUETOOTH))
         m_settings->setConnectionMethod(Obd::SettingsModel::CM_BLUETOOTH);
     else if (method == QLatin1String(METHOD_WIFI))
         m_settings->setConnectionMethod(Obd::SettingsModel::CM_WIFI);
+    else if (method == QLatin1String(METHOD_SERIAL))
+        m_settings->setConnectionMethod(Obd::SettingsModel::CM_SERIAL);
 }
 
 void SettingsViewModel::onViewIpAddressChanged(QString address)
@@ -156,6 +190,22 @@ void SettingsViewModel::onViewIpPortChanged(QString port)
     setViewProperty("ipPortError", problem);
     if (problem.isEmpty())
         m_settings->setIpPort(QString::number(port.trimmed().toInt()));
+}
+
+void SettingsViewModel::onViewSerialDeviceChanged(QString device)
+{
+    const QString problem = serialDeviceProblem(device);
+    setViewProperty("serialDeviceError", problem);
+    if (problem.isEmpty())
+        m_settings->setSerialDevice(device.trimmed());
+}
+
+void SettingsViewModel::onViewSerialBaudRateChanged(QString rate)
+{
+    const QString problem = serialBaudRateProblem(rate);
+    setViewProperty("serialBaudRateError", problem);
+    if (problem.isEmpty())
+        m_settings->setSerialBaudRate(rate.trimmed());
 }
 
 void SettingsViewModel::onShowBluetoothSearch()
@@ -187,6 +237,12 @@ void SettingsViewModel::updateBluetoothDevice()
 {
     setViewProperty("bluetoothDevice", m_settings->bluetoothDeviceName());
     setViewProperty("bluetoothAddress", m_settings->bluetoothDeviceAddress());
+}
+
+void SettingsViewModel::updateSerial()
+{
+    setViewProperty("serialDevice", m_settings->serialDevice());
+    setViewProperty("serialBaudRate", m_settings->serialBaudRate());
 }
 
 void SettingsViewModel::setViewProperty(const char* name, const QVariant& value)

@@ -16,7 +16,7 @@ namespace Harmattan {
 class NavigationModel;
 
 // The settings screen: connection method, Bluetooth device, IP address and
-// port. Input is checked before it reaches the settings model.
+// port, serial device and baud rate. Input is checked before it reaches the settings model.
 class SettingsViewModel : public QObject, public IViewModel
 {
     Q_OBJECT
@@ -25,6 +25,8 @@ public:
     static const char* const IP_ADDRESS_PROBLEM;
     static const char* const IP_ADDRESS_UNSET_PROBLEM;
     static const char* const IP_PORT_PROBLEM;
+    static const char* const SERIAL_DEVICE_PROBLEM;
+    static const char* const SERIAL_BAUD_RATE_PROBLEM;
 
     SettingsViewModel(Obd::SettingsModel* settings, NavigationModel* navigationModel,
                       QObject* parent = nullptr);
@@ -35,6 +37,8 @@ public:
     // What is wrong with the text, or empty when it may be stored.
     static QString ipAddressProblem(const QString& address);
     static QString ipPortProblem(const QString& port);
+    static QString serialDeviceProblem(const QString& device);
+    static QString serialBaudRateProblem(const QString& rate);
 
     static QString methodText(int method);
 
@@ -42,6 +46,8 @@ public slots:
     void onViewConnectionMethodChanged(QString method);
     void onViewIpAddressChanged(QString address);
     void onViewIpPortChanged(QString port);
+    void onViewSerialDeviceChanged(QString device);
+    void onViewSerialBaudRateChanged(QString rate);
     void onShowBluetoothSearch();
     void onViewDestroyed();
 
@@ -50,6 +56,7 @@ private slots:
     void updateIpAddress();
     void updateIpPort();
     void updateBluetoothDevice();
+    void updateSerial();
 
 private:
     void setViewProperty(const char* name, const QVariant& value);
