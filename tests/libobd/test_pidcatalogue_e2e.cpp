@@ -3,26 +3,18 @@
 // simulated adapter, compared with the simulated vehicle's own values.
 
 #include "ecu.h"
-#include "elmsimserver.h"
-#include "simlink.h"
-#include "iconnection.h"
 #include "iscantool.h"
-#include "linkopener.h"
 #include "measurableparameter.h"
-#include "obdtransporter.h"
 #include "parameters/pendingtroublecodes.h"
 #include "parameters/storedtroublecodes.h"
 #include "powertrain/counterpid.h"
 #include "powertrain/monitorstatus.h"
 #include "powertrain/parameterfactory.h"
-#include "serveroptions.h"
-#include "tcpbus.h"
-
-#include "fakeproxy.h"
+#include "simlink.h"
 
 #include <gtest/gtest.h>
 
-#include <cmath>
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <vector>
@@ -31,64 +23,10 @@ using namespace Obd;
 
 namespace {
 
-// The simulator on a free port, frozen at t = 0, and a link opened as the
-// application opens it, header bytes on so that answers split by ECU.
-class LiveVehicle
-{
-public:
-    explicit LiveVehicle(const std::string& profile)
-    {
-        m_server.reset(new ElmSim::ElmSimServer(SimLink::quickOptions(profile)));
-    }
-
-    ~LiveVehicle()
-    {
-        if (m_connection)
-            m_connection->close();
-        delete m_scantool;
-        delete m_connection;
-        m_server->stop();
-    }
-
-    bool open()
-    {
-        if (!m_server->start())
-            return false;
-        TcpBus* bus = new TcpBus();
-        if (!bus->init("127.0.0.1", m_server->port())) {
-            delete bus;
-            return false;
-        }
-        m_proxy.setInitializeResult(true);
-        if (LinkOpener().open(bus, nullptr, &m_proxy, m_connection, m_scantool) != LinkOpener::LO_OK)
-            return false;
-        // The first request settles the protocol.
-        const std::string first = "0100";
-        std::vector<unsigned char> response;
-        m_scantool->sendCommand(std::vector<unsigned char>(first.begin(), first.end()), response, 8000);
-        return m_scantool->identifyProtocol() && m_scantool->setHeadersOn();
-    }
-
-    ExchangeResult run(ObdParameter& parameter) { return ObdTransporter().execute(&m_proxy, &parameter); }
-    const ElmSim::Profile& profile() const { return m_server->profile(); }
-    unsigned int protocol() const { return m_scantool->getProtocol(); }
-
-private:
-    std::unique_ptr<ElmSim::ElmSimServer> m_server;
-    FakeProxy m_proxy;
-    IConnection* m_connection = nullptr;
-    IScantool* m_scantool = nullptr;
-};
-
-struct LivePid
-{
-    unsigned char pid;
-    double resolution; // one step of the encoding; the truth is within it
-};
-
-// Engine load, coolant, fuel trim, MAP, rpm (quarters dropped), speed,
-// timing, intake air, MAF, throttle, run time, fuel level, baro.
-const LivePid LIVE_PIDS[] = {
+// Each PID with one step of its encoding (the truth is within it): engine load, coolant,
+// fuel trim, MAP, rpm (quarters dropped), speed, timing, intake air, MAF, throttle, run
+// time, fuel level, baro.
+const struct { unsigned char pid; double resolution; } LIVE_PIDS[] = {
     { 0x04, 100.0 / 255 }, { 0x05, 1.0 }, { 0x06, 100.0 / 128 }, { 0x0B, 1.0 }, { 0x0C, 1.0 },
     { 0x0D, 1.0 }, { 0x0E, 0.5 }, { 0x0F, 1.0 }, { 0x10, 0.01 }, { 0x11, 100.0 / 255 },
     { 0x1F, 1.0 }, { 0x2F, 1.0 + 100.0 / 255 }, { 0x33, 1.0 },
@@ -102,26 +40,25 @@ class PidCatalogueEndToEnd : public ::testing::TestWithParam<const char*>
 
 TEST_P(PidCatalogueEndToEnd, LivePidsMatchTheVehicle)
 {
-    LiveVehicle sim(GetParam());
-    ASSERT_TRUE(sim.open());
-    const unsigned int protocol = sim.protocol();
+    SimLink* sim = SimLink::opened(GetParam());
+    ASSERT_TRUE(sim);
+    const unsigned int protocol = sim->scantool()->getProtocol();
     unsigned int compared = 0;
-    for (const LivePid& live : LIVE_PIDS) {
+    for (const auto& live : LIVE_PIDS) {
         std::unique_ptr<PowertrainParameter> parameter(ParameterFactory::create(live.pid));
         ASSERT_TRUE(parameter);
-        bool anySupports = false;
-        for (const ElmSim::EcuProfile& ecu : sim.profile().ecus)
-            anySupports = anySupports || ecu.supportsPid(0x01, live.pid);
-        if (!anySupports)
-            continue;
         SCOPED_TRACE(parameter->getName());
-        ASSERT_EQ(ER_OK, sim.run(*parameter));
-        for (const ElmSim::EcuProfile& profileEcu : sim.profile().ecus) {
+        const std::vector<ElmSim::EcuProfile>& ecus = sim->server().profile().ecus;
+        const bool anySupports = std::any_of(ecus.begin(), ecus.end(), [&live](const ElmSim::EcuProfile& ecu) {
+            return ecu.supportsPid(0x01, live.pid);
+        });
+        ASSERT_EQ(anySupports ? ER_OK : ER_NO_DATA, sim->execute(*parameter));
+        for (const ElmSim::EcuProfile& profileEcu : ecus) {
             if (!profileEcu.supportsPid(0x01, live.pid))
                 continue;
             SCOPED_TRACE(profileEcu.name);
             const Ecu ecu(profileEcu.id, protocol, "");
-            const double truth = sim.profile().physicalValue(profileEcu.id, live.pid, 0.0);
+            const double truth = sim->server().profile().physicalValue(profileEcu.id, live.pid, 0.0);
             double got = 0.0;
             if (const MeasurableParameter* numeric = dynamic_cast<const MeasurableParameter*>(parameter.get())) {
                 std::vector<float> values;
@@ -140,17 +77,17 @@ TEST_P(PidCatalogueEndToEnd, LivePidsMatchTheVehicle)
 
 TEST_P(PidCatalogueEndToEnd, TroubleCodesAndMonitorStatusMatchTheVehicle)
 {
-    LiveVehicle sim(GetParam());
-    ASSERT_TRUE(sim.open());
-    const unsigned int protocol = sim.protocol();
+    SimLink* sim = SimLink::opened(GetParam());
+    ASSERT_TRUE(sim);
+    const unsigned int protocol = sim->scantool()->getProtocol();
     StoredTroubleCodes stored;
     PendingTroubleCodes pending;
     MonitorStatus status;
-    ASSERT_EQ(ER_OK, sim.run(stored));
-    ASSERT_EQ(ER_OK, sim.run(pending));
-    ASSERT_EQ(ER_OK, sim.run(status));
+    ASSERT_EQ(ER_OK, sim->execute(stored));
+    ASSERT_EQ(ER_OK, sim->execute(pending));
+    ASSERT_EQ(ER_OK, sim->execute(status));
     unsigned int codes = 0;
-    for (const ElmSim::EcuProfile& profileEcu : sim.profile().ecus) {
+    for (const ElmSim::EcuProfile& profileEcu : sim->server().profile().ecus) {
         SCOPED_TRACE(profileEcu.name);
         const Ecu ecu(profileEcu.id, protocol, "");
         std::vector<Dtc> storedDtcs;

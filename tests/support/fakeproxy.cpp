@@ -7,62 +7,25 @@ using namespace Obd;
 
 FakeProxy::FakeProxy(IScantool* scantool)
     : m_scantool(scantool)
-    , m_initializeResult(true)
-    , m_getScantoolCalls(0)
 {
-}
-
-FakeProxy::~FakeProxy()
-{
-}
-
-void FakeProxy::setScantool(IScantool* scantool)
-{
-    std::lock_guard<std::mutex> lock(m_mutex);
-    m_scantool = scantool;
-}
-
-void FakeProxy::setInitializeResult(bool result)
-{
-    std::lock_guard<std::mutex> lock(m_mutex);
-    m_initializeResult = result;
-}
-
-void FakeProxy::addEcu(const EcuPtr& ecu)
-{
-    std::lock_guard<std::mutex> lock(m_mutex);
-    m_ecus.push_back(ecu);
-    std::stable_sort(m_ecus.begin(), m_ecus.end(),
-                     [](const EcuPtr& a, const EcuPtr& b) { return a->getId() < b->getId(); });
 }
 
 EcuPtr FakeProxy::addEcu(unsigned int id)
 {
-    unsigned int protocol = PROTOCOL_UNKNOWN;
-    std::string name;
-    {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        if (m_scantool) {
-            protocol = m_scantool->getProtocol();
-            name = m_scantool->getProtocolName();
-        }
-    }
-    EcuPtr ecu = std::make_shared<Ecu>(id, protocol, name);
-    addEcu(ecu);
-    return ecu;
-}
-
-int FakeProxy::getScantoolCalls() const
-{
     std::lock_guard<std::mutex> lock(m_mutex);
-    return m_getScantoolCalls;
+    EcuPtr ecu = std::make_shared<Ecu>(id, m_scantool ? m_scantool->getProtocol() : PROTOCOL_UNKNOWN,
+                                       m_scantool ? m_scantool->getProtocolName() : std::string());
+    m_ecus.push_back(ecu);
+    std::stable_sort(m_ecus.begin(), m_ecus.end(),
+                     [](const EcuPtr& a, const EcuPtr& b) { return a->getId() < b->getId(); });
+    return ecu;
 }
 
 bool FakeProxy::initialize(IScantool* scantool)
 {
     std::lock_guard<std::mutex> lock(m_mutex);
     m_scantool = scantool;
-    return m_initializeResult;
+    return true;
 }
 
 IScantool* FakeProxy::getScantool()

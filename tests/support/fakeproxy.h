@@ -3,26 +3,21 @@
 
 #include "iobdproxy.h"
 
+#include <atomic>
 #include <mutex>
 #include <vector>
 
 // A proxy without discovery: lends a scan tool (usually a FakeScantool) to
-// the transporter and hands out a scripted ECU list.
-// initialize() only stores the scan tool and returns the configured result;
-// the pass-through exchanges go to the scan tool (false when there is none).
+// the transporter and hands out the ECUs it was given, in ascending id order.
 class FakeProxy : public Obd::IObdProxy
 {
 public:
     explicit FakeProxy(Obd::IScantool* scantool = nullptr);
-    ~FakeProxy() override;
 
-    void setScantool(Obd::IScantool* scantool);
-    void setInitializeResult(bool result);
-    // Kept in ascending id order, like the real proxy's list.
-    void addEcu(const Obd::EcuPtr& ecu);
-    // Shortcut: a new Ecu with that id and the scan tool's protocol (or 5).
+    // A new Ecu with that id and the scan tool's protocol.
     Obd::EcuPtr addEcu(unsigned int id);
-    int getScantoolCalls() const;
+    // How often the scan tool was asked for: once per exchange of a transporter.
+    int getScantoolCalls() const { return m_getScantoolCalls; }
 
     bool initialize(Obd::IScantool* scantool) override;
     Obd::IScantool* getScantool() override;
@@ -39,9 +34,8 @@ public:
 private:
     mutable std::mutex m_mutex;
     Obd::IScantool* m_scantool;
-    bool m_initializeResult;
     std::vector<Obd::EcuPtr> m_ecus;
-    int m_getScantoolCalls;
+    std::atomic<int> m_getScantoolCalls{0};
 };
 
 #endif

@@ -258,17 +258,18 @@ bool FuzzEntries::scantool(const uint8_t* data, size_t size)
     if (error < ElmScantool::ERROR_NO_DATA || error > ElmScantool::ERROR_NONE || error == 1)
         return false;
 
+    // Each prompt-ended piece as a message that is waiting already.
     FakeConnection connection;
-    Bytes reply;
+    std::string reply;
     for (unsigned char c : all) {
-        reply.push_back(c);
+        reply.push_back(static_cast<char>(c));
         if (c == '>') {
-            connection.addReply(reply);
+            connection.push(reply);
             reply.clear();
         }
     }
     if (!reply.empty())
-        connection.addReply(reply);
+        connection.push(reply);
     std::unique_ptr<ElmScantool> tool(ElmScantool::create(&connection));
     tool->reset();
     tool->identify();

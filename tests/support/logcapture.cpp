@@ -27,12 +27,6 @@ void LogCapture::clear()
     m_records.clear();
 }
 
-std::vector<LogCapture::Record> LogCapture::records() const
-{
-    std::lock_guard<std::mutex> lock(m_mutex);
-    return m_records;
-}
-
 size_t LogCapture::count(const std::string& text, int level) const
 {
     std::lock_guard<std::mutex> lock(m_mutex);

@@ -24,7 +24,6 @@ public:
     void log(const char* file, int line, int level, const std::string& message) override;
 
     void clear();
-    std::vector<Record> records() const;
     // Records whose message contains text (and, when level >= 0, of that level).
     size_t count(const std::string& text, int level = -1) const;
     bool contains(const std::string& text, int level = -1) const { return count(text, level) > 0; }

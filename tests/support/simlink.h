@@ -5,6 +5,7 @@
 #include "idisconnectlistener.h"
 #include "linkopener.h"
 #include "obdproxy.h"
+#include "obdtransporter.h"
 #include "serveroptions.h"
 
 #include <atomic>
@@ -23,14 +24,20 @@ class SimLink : public Obd::IDisconnectListener
 public:
     // Options for quick tests: no boot or search delay, frozen values.
     static ElmSim::ServerOptions quickOptions(const std::string& profile);
+    // A link to the profile opened once for the whole test program, for
+    // tests that only read the vehicle; null when it does not open.
+    static SimLink* opened(const std::string& profile);
 
     explicit SimLink(const ElmSim::ServerOptions& options);
     explicit SimLink(const std::string& profile);
+    // Another client of a simulator that runs already.
+    explicit SimLink(ElmSim::ElmSimServer& running);
     ~SimLink() override;
 
-    // Starts the simulator and opens the link; the result of the opening.
+    // Starts the simulator if it is its own and opens the link.
     Obd::LinkOpener::Result open();
     void close();
+    Obd::ExchangeResult execute(Obd::ObdParameter& parameter);
 
     ElmSim::ElmSimServer& server() { return *m_server; }
     Obd::ObdProxy& proxy() { return m_proxy; }
@@ -41,7 +48,9 @@ public:
     void onDisconnected() override { ++m_disconnects; }
 
 private:
-    std::unique_ptr<ElmSim::ElmSimServer> m_server;
+    std::unique_ptr<ElmSim::ElmSimServer> m_owned;
+    ElmSim::ElmSimServer* m_server;
+    bool m_started = false;
     Obd::ObdProxy m_proxy;
     Obd::IConnection* m_connection = nullptr;
     Obd::IScantool* m_scantool = nullptr;
