@@ -1,7 +1,7 @@
 #include "simclient.h"
 
 #include <arpa/inet.h>
-#include <cerrno>
+#include <cctype>
 #include <chrono>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
@@ -18,13 +18,11 @@ bool SimClient::connectTo(unsigned short port)
 {
     close();
     m_fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    if (m_fd < 0)
-        return false;
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_port = htons(port);
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    if (::connect(m_fd, reinterpret_cast<sockaddr*>(&address), sizeof(address)) != 0) {
+    if (m_fd < 0 || ::connect(m_fd, reinterpret_cast<sockaddr*>(&address), sizeof(address)) != 0) {
         close();
         return false;
     }
@@ -43,9 +41,7 @@ void SimClient::close()
 
 bool SimClient::sendRaw(const std::string& bytes)
 {
-    if (m_fd < 0)
-        return false;
-    return ::send(m_fd, bytes.data(), bytes.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(bytes.size());
+    return m_fd >= 0 && ::send(m_fd, bytes.data(), bytes.size(), MSG_NOSIGNAL) == ssize_t(bytes.size());
 }
 
 std::string SimClient::readUntil(const std::string& terminator, int timeoutMs)
@@ -60,16 +56,13 @@ std::string SimClient::readUntil(const std::string& terminator, int timeoutMs)
             return reply;
         }
         const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now()).count();
-        if (left <= 0 || m_fd < 0)
-            break;
         pollfd p{ m_fd, POLLIN, 0 };
-        if (::poll(&p, 1, static_cast<int>(left)) <= 0)
-            break;
         char buffer[4096];
-        const ssize_t n = ::recv(m_fd, buffer, sizeof(buffer), 0);
-        if (n <= 0)
+        ssize_t n = 0;
+        if (left <= 0 || m_fd < 0 || ::poll(&p, 1, int(left)) <= 0
+            || (n = ::recv(m_fd, buffer, sizeof(buffer), 0)) <= 0)
             break;
-        m_pending.append(buffer, static_cast<size_t>(n));
+        m_pending.append(buffer, size_t(n));
     }
     std::string partial;
     partial.swap(m_pending);
@@ -78,18 +71,35 @@ std::string SimClient::readUntil(const std::string& terminator, int timeoutMs)
 
 std::string SimClient::exchange(const std::string& command, int timeoutMs)
 {
-    if (!sendRaw(command + "\r"))
-        return std::string();
-    return readUntil(">", timeoutMs);
+    return sendRaw(command + "\r") ? readUntil(">", timeoutMs) : std::string();
 }
 
 bool SimClient::waitClosed(int timeoutMs)
 {
-    if (m_fd < 0)
-        return true;
     pollfd p{ m_fd, POLLIN, 0 };
-    if (::poll(&p, 1, timeoutMs) <= 0)
-        return false;
     char byte;
-    return ::recv(m_fd, &byte, 1, MSG_PEEK) == 0;
+    return m_fd < 0 || (::poll(&p, 1, timeoutMs) > 0 && ::recv(m_fd, &byte, 1, MSG_PEEK) == 0);
+}
+
+::testing::AssertionResult SimRig::open(const std::vector<std::string>& setup, bool echoOff)
+{
+    if (!server.start())
+        return ::testing::AssertionFailure() << server.errorString();
+    if (!client.connectTo(server.port()))
+        return ::testing::AssertionFailure() << "cannot connect";
+    std::string reply;
+    if (echoOff && (reply = client.exchange("ATE0")) != "ATE0\rOK\r\r>")
+        return ::testing::AssertionFailure() << "ATE0 answered " << reply;
+    for (const std::string& command : setup)
+        if ((reply = client.exchange(command)) != "OK\r\r>")
+            return ::testing::AssertionFailure() << command << " answered " << reply;
+    return ::testing::AssertionSuccess();
+}
+
+std::string testName(const char* description)
+{
+    std::string name;
+    for (const char* c = description; *c; ++c)
+        name.push_back(std::isalnum(static_cast<unsigned char>(*c)) ? *c : '_');
+    return name;
 }

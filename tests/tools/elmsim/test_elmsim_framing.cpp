@@ -1,13 +1,9 @@
 // Exact reply bytes for every protocol family, as an ELM327 prints them.
 // The car is frozen at t = 0: idle, standing, coolant at ambient.
 
-#include "elmsimserver.h"
-#include "fastoptions.h"
 #include "simclient.h"
 
 #include <gtest/gtest.h>
-
-#include <cctype>
 
 #include <string>
 #include <vector>
@@ -26,10 +22,8 @@ const std::vector<FramingRow> ROWS = {
     // ---- CAN 11-bit ---------------------------------------------------
     { "CAN 11 headers on, single frame with filler AA shown", "can11", { "ATSP6", "ATH1" }, "010C",
       "7E8 04 41 0C 0C 30 AA AA AA \r\r>" },
-    { "CAN 11 headers off, single frame is data only", "can11", { "ATSP6" }, "010C",
-      "41 0C 0C 30 \r\r>" },
-    { "CAN 11 headers on, spaces off", "can11", { "ATSP6", "ATH1", "ATS0" }, "010C",
-      "7E804410C0C30AAAAAA\r\r>" },
+    { "CAN 11 headers off, single frame is data only", "can11", { "ATSP6" }, "010C", "41 0C 0C 30 \r\r>" },
+    { "CAN 11 headers on, spaces off", "can11", { "ATSP6", "ATH1", "ATS0" }, "010C", "7E804410C0C30AAAAAA\r\r>" },
     { "CAN 11 two ECUs, ascending on an even request", "can11", { "ATSP6", "ATH1" }, "0100",
       "7E8 06 41 00 BE 3F B8 13 AA \r7E9 06 41 00 80 08 00 10 00 \r\r>" },
     { "CAN 11 two ECUs, 7E9 first on an odd request, filler 00 shown", "can11", { "ATSP6", "ATH1" }, "0101",
@@ -38,33 +32,23 @@ const std::vector<FramingRow> ROWS = {
       "7E9 8 03 41 0D 00 00 00 00 00 \r7E8 8 03 41 0D 00 AA AA AA AA \r\r>" },
     { "CAN 11 response count 1 keeps the first answer only", "can11", { "ATSP6", "ATH1" }, "01001",
       "7E8 06 41 00 BE 3F B8 13 AA \r\r>" },
-    { "CAN 11 several PIDs in one request", "can11", { "ATSP6" }, "010C0D",
-      "41 0D 00 \r41 0C 0C 30 0D 00 \r\r>" },
+    { "CAN 11 several PIDs in one request", "can11", { "ATSP6" }, "010C0D", "41 0D 00 \r41 0C 0C 30 0D 00 \r\r>" },
     { "CAN 11 multi-frame VIN, headers on", "can11", { "ATSP6", "ATH1" }, "0902",
       "7E8 10 14 49 02 01 57 45 4C \r7E8 21 35 4D 33 32 37 43 31 \r7E8 22 31 41 30 30 30 30 31 \r\r>" },
     { "CAN 11 multi-frame VIN, headers off: count and numbered lines", "can11", { "ATSP6" }, "0902",
       "014\r0: 49 02 01 57 45 4C \r1: 35 4D 33 32 37 43 31 \r2: 31 41 30 30 30 30 31 \r\r>" },
     { "CAN 11 multi-frame, headers off, spaces off", "can11", { "ATSP6", "ATS0" }, "0902",
       "014\r0:49020157454C\r1:354D3332374331\r2:31413030303031\r\r>" },
-    { "CAN 11 two ECUs multi-frame, last frames filled with their own filler", "can11", { "ATSP6", "ATH1" },
-      "090A",
+    { "CAN 11 two ECUs multi-frame, last frames filled with their own filler", "can11", { "ATSP6", "ATH1" }, "090A",
       "7E8 10 17 49 0A 01 45 43 4D \r7E8 21 00 2D 45 6E 67 69 6E \r7E8 22 65 43 6F 6E 74 72 6F \r"
       "7E8 23 6C 00 00 AA AA AA AA \r"
       "7E9 10 17 49 0A 01 54 43 4D \r7E9 21 00 2D 54 72 61 6E 73 \r7E9 22 6D 69 73 73 69 6F 6E \r"
       "7E9 23 43 74 6C 00 00 00 00 \r\r>" },
-    { "CAN 11 stored codes, count first", "can11", { "ATSP6" }, "03",
-      "43 00 \r43 02 01 33 04 20 \r\r>" },
-    { "CAN 11 supported info types", "can11", { "ATSP6" }, "0900",
-      "49 00 55 40 00 00 \r49 00 14 40 00 00 \r\r>" },
+    { "CAN 11 stored codes, count first", "can11", { "ATSP6" }, "03", "43 00 \r43 02 01 33 04 20 \r\r>" },
     { "CAN 11 monitor records, multi-frame with one filler byte", "can11", { "ATSP6", "ATH1" }, "0601",
       "7E8 10 13 46 01 80 0B 02 EE \r7E8 21 01 F4 03 E8 01 81 10 \r7E8 22 00 96 00 00 01 2C AA \r\r>" },
-    { "CAN 11 supported MIDs", "can11", { "ATSP6" }, "0600", "46 00 80 00 00 01 \r\r>" },
-    { "CAN 11 service 05 refused by every ECU", "can11", { "ATSP6" }, "050001",
-      "7F 05 11 \r7F 05 11 \r\r>" },
+    { "CAN 11 service 05 refused by every ECU", "can11", { "ATSP6" }, "050001", "7F 05 11 \r7F 05 11 \r\r>" },
     { "CAN 11 freeze-frame code", "can11", { "ATSP6" }, "020200", "42 02 00 01 33 \r\r>" },
-    { "CAN 11 freeze-frame PIDs", "can11", { "ATSP6" }, "020000", "42 00 00 5E 3A 80 00 \r\r>" },
-    { "CAN 11 PIDs 21-40 of the engine only", "can11", { "ATSP6" }, "0120", "41 20 80 07 A0 11 \r\r>" },
-    { "CAN 11 PIDs 41-60", "can11", { "ATSP6" }, "0140", "41 40 44 84 80 00 \r\r>" },
     { "CAN 11 range beyond the last is NO DATA", "can11", { "ATSP6" }, "0160", "NO DATA\r\r>" },
 
     // ---- CAN 29-bit ---------------------------------------------------
@@ -87,10 +71,6 @@ const std::vector<FramingRow> ROWS = {
       "49 02 05 30 30 30 33 \r\r>" },
     { "KWP legacy info types with message count", "kwp", { "ATSP5" }, "0900",
       "49 00 01 FF 40 00 00 \r49 00 01 30 00 00 00 \r\r>" },
-
-    { "KWP legacy message count of the VIN", "kwp", { "ATSP5" }, "0901", "49 01 05 \r\r>" },
-    { "KWP legacy verification number, one per line", "kwp", { "ATSP5" }, "0906",
-      "49 06 01 CA FE 01 01 \r\r>" },
     { "KWP legacy ECU name in five lines", "kwp", { "ATSP5" }, "090A",
       "49 0A 01 45 43 4D 00 \r49 0A 02 2D 45 6E 67 \r49 0A 03 69 6E 65 43 \r49 0A 04 6F 6E 74 72 \r"
       "49 0A 05 6F 6C 00 00 \r\r>" },
@@ -110,18 +90,12 @@ const std::vector<FramingRow> ROWS = {
     { "ISO 9141 stored codes, three per line, 00 filled", "iso9141", { "ATSP3", "ATH1" }, "03",
       "BUS INIT: ...OK\r48 6B 10 43 03 00 03 01 03 02 12 \r48 6B 10 43 03 03 00 00 00 00 0C \r\r>" },
     { "ISO 9141 oxygen sensor test", "iso9141", { "ATSP3" }, "050101", "BUS INIT: ...OK\r45 01 01 5A 00 00 \r\r>" },
-    { "ISO 9141 oxygen sensor TIDs of sensor 1", "iso9141", { "ATSP3" }, "050001",
-      "BUS INIT: ...OK\r45 00 01 CF 00 00 00 \r\r>" },
     { "ISO 9141 one test for every sensor", "iso9141", { "ATSP3" }, "0507",
       "BUS INIT: ...OK\r45 07 01 0A 00 50 \r45 07 02 14 00 50 \r45 07 10 0C 00 50 \r45 07 20 16 00 50 \r\r>" },
 
     // ---- SAE J1850 ----------------------------------------------------
-    { "J1850 VPW header 48 6B, CRC-8", "j1850vpw", { "ATSP2", "ATH1" }, "010C",
-      "48 6B 10 41 0C 09 60 D1 \r\r>" },
-    { "J1850 VPW no stored codes: one empty line", "j1850vpw", { "ATSP2" }, "03",
-      "43 00 00 00 00 00 00 \r\r>" },
-    { "J1850 PWM header 41 6B, CRC-8", "j1850pwm", { "ATSP1", "ATH1" }, "010D",
-      "41 6B 10 41 0D 00 86 \r\r>" },
+    { "J1850 VPW header 48 6B, CRC-8", "j1850vpw", { "ATSP2", "ATH1" }, "010C", "48 6B 10 41 0C 09 60 D1 \r\r>" },
+    { "J1850 PWM header 41 6B, CRC-8", "j1850pwm", { "ATSP1", "ATH1" }, "010D", "41 6B 10 41 0D 00 86 \r\r>" },
 };
 
 class FramingTest : public ::testing::TestWithParam<FramingRow>
@@ -131,24 +105,12 @@ class FramingTest : public ::testing::TestWithParam<FramingRow>
 TEST_P(FramingTest, PrintsTheExactReply)
 {
     const FramingRow& row = GetParam();
-    ElmSim::ElmSimServer server(fastOptions(row.profile));
-    ASSERT_TRUE(server.start()) << server.errorString();
-    SimClient client;
-    ASSERT_TRUE(client.connectTo(server.port()));
-    ASSERT_EQ(client.exchange("ATE0"), "ATE0\rOK\r\r>");
-    for (const std::string& command : row.setup)
-        ASSERT_EQ(client.exchange(command), "OK\r\r>") << command;
-    EXPECT_EQ(client.exchange(row.request), row.expected);
+    SimRig rig(row.profile);
+    ASSERT_TRUE(rig.open(row.setup));
+    EXPECT_EQ(rig.client.exchange(row.request), row.expected);
 }
 
-std::string rowName(const ::testing::TestParamInfo<FramingRow>& info)
-{
-    std::string name;
-    for (const char* c = info.param.name; *c; ++c)
-        name.push_back(std::isalnum(static_cast<unsigned char>(*c)) ? *c : '_');
-    return name;
-}
-
-INSTANTIATE_TEST_SUITE_P(Replies, FramingTest, ::testing::ValuesIn(ROWS), rowName);
+INSTANTIATE_TEST_SUITE_P(Replies, FramingTest, ::testing::ValuesIn(ROWS),
+                         [](const ::testing::TestParamInfo<FramingRow>& info) { return testName(info.param.name); });
 
 } // namespace
