@@ -436,8 +436,8 @@ bool ElmAdapter::handleObd(const std::string& command)
     if (delay > 0 && !m_link.pause(delay))
         return true;
     if (m_personality.obdMaxMs > 0) {
-        const double ms = std::uniform_real_distribution<double>(m_personality.obdMinMs, m_personality.obdMaxMs)(m_random);
-        if (!adapterPause(ms))
+        std::uniform_real_distribution<double> ms(m_personality.obdMinMs, m_personality.obdMaxMs);
+        if (!adapterPause(ms(m_random)))
             return true;
     }
     m_control.countRequest();

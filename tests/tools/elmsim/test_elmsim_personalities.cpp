@@ -40,10 +40,11 @@ struct DialogueRow {
 };
 
 const std::vector<DialogueRow> DIALOGUES = {
-    { "genuine prints the last consecutive frame filled and knows AT@1 ATAT ATST", "genuine", "none", "can11",
-      { { "ATH1", "OK\r\r>" }, { "AT@1", "OBDII to RS232 Interpreter\r\r>" }, { "ATAT1", "OK\r\r>" },
-        { "ATST10", "OK\r\r>" }, { "ATSP6", "OK\r\r>" },
-        { "09041", "7E8 10 13 49 04 01 43 41 4C \r7E8 21 31 31 45 43 4D 30 30 \r7E8 22 30 31 32 33 34 35 AA \r\r>" } } },
+    { "genuine prints the last consecutive frame filled, knows AT@1 ATAT ATST, not STI", "genuine", "none", "can11",
+      { { "STI", "?\r\r>" }, { "ATH1", "OK\r\r>" }, { "AT@1", "OBDII to RS232 Interpreter\r\r>" },
+        { "ATAT1", "OK\r\r>" }, { "ATST10", "OK\r\r>" }, { "ATSP6", "OK\r\r>" },
+        { "09041", "7E8 10 13 49 04 01 43 41 4C \r7E8 21 31 31 45 43 4D 30 30 \r7E8 22 30 31 32 33 34 35 AA \r"
+                   "\r>" } } },
     { "clone v1.5: last frame without filler, ? to AT@1 ATAT1 ATST, trailing spaces", "clone-v15", "none", "can11",
       { { "ATH1", "OK \r\r>" }, { "ATI", "ELM327 v1.5 \r\r>" }, { "AT@1", "? \r\r>" }, { "ATAT1", "? \r\r>" },
         { "ATST10", "? \r\r>" }, { "ATSP6", "OK \r\r>" },
@@ -54,13 +55,12 @@ const std::vector<DialogueRow> DIALOGUES = {
       { { "ATI", "ELM327 v2.1 \r\r>" }, { "ATIGN", "? \r\r>" }, { "ATD1", "? \r\r>" }, { "ATRV", "13.9V \r\r>" },
         { "ATWS", "\r\rELM327 v2.1 \r\r>" }, { "ATZ", nullptr } } },
     { "slow Bluetooth: 600 ms per AT reply, 1.5 s reset, 40-80 ms per OBD reply", "slow-bt", "none", "can11",
-      { { "ATI", "ELM327 v1.5\r\r>", NOT_CHECKED, 600, 600 }, { "ATZ", "\r\rELM327 v1.5\r\r>", NOT_CHECKED, 1500, 1500 },
-        { "ATE0", "ATE0\rOK\r\r>", NOT_CHECKED, 600, 600 },
+      { { "ATI", "ELM327 v1.5\r\r>", NOT_CHECKED, 600, 600 },
+        { "ATZ", "\r\rELM327 v1.5\r\r>", NOT_CHECKED, 1500, 1500 }, { "ATE0", "ATE0\rOK\r\r>", NOT_CHECKED, 600, 600 },
         { "010D1", "SEARCHING...\r41 0D 00 \r\r>", NOT_CHECKED, 40, 80 } } },
     { "STN chip: answers STI, identifies as v1.4b", "stn", "none", "can11",
       { { "ATI", "ELM327 v1.4b\r\r>" }, { "STI", "STN1110 v4.2.0\r\r>" },
         { "ATZ", "\r\rELM327 v1.4b\r\r>", NOT_CHECKED, 100, 100 } } },
-    { "genuine does not know STI", "genuine", "none", "can11", { { "STI", "?\r\r>" } } },
     { "multi-PID request: one single frame per ECU with each supported PID and its data", "genuine", "none",
       "can11",
       { { "ATH1", "OK\r\r>" }, { "ATSP6", "OK\r\r>" },
@@ -68,10 +68,12 @@ const std::vector<DialogueRow> DIALOGUES = {
         { "0140411", "7E8 06 41 40 44 84 80 00 AA \r\r>" }, { "012223", "NO DATA\r\r>" } } },
     { "multi-PID request of six PIDs: a multi-frame message, headers on and off", "genuine", "none", "can11",
       { { "ATH1", "OK\r\r>" }, { "ATSP6", "OK\r\r>" },
-        { "010C0D05110F041", "7E8 10 0E 41 0C 0C 30 0D 00 \r7E8 21 05 3A 11 24 0F 40 04 \r7E8 22 38 AA AA AA AA AA AA "
-                              "\r\r>" },
-        { "ATH0", "OK\r\r>" }, { "010C0D05110F041", "00E\r0: 41 0C 0C 30 0D 00 \r1: 05 3A 11 24 0F 40 04 \r2: 38 \r\r>" } } },
-    { "multi-PID request on K-line: NO DATA", "genuine", "none", "kwp", { { "ATSP5", "OK\r\r>" }, { "010C0D", "NO DATA\r\r>" } } },
+        { "010C0D05110F041",
+          "7E8 10 0E 41 0C 0C 30 0D 00 \r7E8 21 05 3A 11 24 0F 40 04 \r7E8 22 38 AA AA AA AA AA AA \r\r>" },
+        { "ATH0", "OK\r\r>" },
+        { "010C0D05110F041", "00E\r0: 41 0C 0C 30 0D 00 \r1: 05 3A 11 24 0F 40 04 \r2: 38 \r\r>" } } },
+    { "multi-PID request on K-line: NO DATA", "genuine", "none", "kwp",
+      { { "ATSP5", "OK\r\r>" }, { "010C0D", "NO DATA\r\r>" } } },
     { "genuine timing: the responses-expected digit ends the wait, adaptive timing shortens it, AT0 restores it",
       "genuine", "genuine", "can11",
       { { "ATSP6", "OK\r\r>" }, { "010C", "41 0C 0C 30 \r\r>", 200 }, { "010C", "41 0C 0C 30 \r\r>", SHORTER },
@@ -227,26 +229,24 @@ TEST(ElmSimPersonalities, NoiseIsAddedAroundTheGenuineReply)
     }
 }
 
-struct TimingRow {
-    const char* name;
-    ElmSim::TimingModel::Kind kind;
-    unsigned int adaptive;               // AT AT n
-};
-
 TEST(ElmSimPersonalities, AdaptiveTimingLearnsNeverBelowTheSlowestAnswer)
 {
     // Two ECUs, the second 30 ms after the first: what each model waits after
     // the last answer once it has seen one exchange.
     const std::vector<ElmSim::Arrival> answers = { { 12.0, 12.5 }, { 42.0, 42.5 } };
     std::map<std::string, double> waits;
-    const std::vector<TimingRow> rows = {
+    const struct {
+        const char* name;
+        ElmSim::TimingModel::Kind kind;
+        unsigned int adaptive;           // AT AT n
+    } rows[] = {
         { "genuine AT0: AT ST", ElmSim::TimingModel::Kind::Genuine, 0 },
         { "genuine AT1", ElmSim::TimingModel::Kind::Genuine, 1 },
         { "genuine AT2", ElmSim::TimingModel::Kind::Genuine, 2 },
         { "bt-clone AT2: AT ST", ElmSim::TimingModel::Kind::BtClone, 2 },
         { "stn AT1", ElmSim::TimingModel::Kind::Stn, 1 },
     };
-    for (const TimingRow& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         std::mt19937 random(1);
         ElmSim::TimingModel model(row.kind, random);
@@ -286,8 +286,9 @@ TEST(ElmSimPersonalities, ReplayAnswersEachCommandWithItsRecordedReplies)
         for (const std::string& command : session)
             recorded.push_back(client.exchange(command));
     }
-    ASSERT_TRUE(std::any_of(recorded.begin(), recorded.end(),
-                            [](const std::string& r) { return r.find_first_of("\x00\xFC\xFE\xFF\x80", 0, 5) != r.npos; }));
+    ASSERT_TRUE(std::any_of(recorded.begin(), recorded.end(), [](const std::string& r) {
+        return r.find_first_of("\x00\xFC\xFE\xFF\x80", 0, 5) != r.npos;
+    }));
     ElmSim::ServerOptions replayOptions = SimLink::quickOptions("none");
     replayOptions.replayPath = path;
     ElmSim::ElmSimServer replay(replayOptions);
