@@ -245,6 +245,7 @@ TEST(ElmSimPersonalities, AdaptiveTimingLearnsNeverBelowTheSlowestAnswer)
         { "genuine AT2", ElmSim::TimingModel::Kind::Genuine, 2 },
         { "bt-clone AT2: AT ST", ElmSim::TimingModel::Kind::BtClone, 2 },
         { "stn AT1", ElmSim::TimingModel::Kind::Stn, 1 },
+        { "wifi AT1", ElmSim::TimingModel::Kind::Wifi, 1 },
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
@@ -266,6 +267,7 @@ TEST(ElmSimPersonalities, AdaptiveTimingLearnsNeverBelowTheSlowestAnswer)
     EXPECT_LT(waits["genuine AT1"], 200.0);
     EXPECT_LT(waits["genuine AT2"], waits["genuine AT1"]);
     EXPECT_EQ(waits["stn AT1"], waits["genuine AT2"]);
+    EXPECT_EQ(waits["wifi AT1"], waits["genuine AT1"]);
 }
 
 TEST(ElmSimPersonalities, ReplayAnswersEachCommandWithItsRecordedReplies)
