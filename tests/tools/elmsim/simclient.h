@@ -17,6 +17,7 @@ public:
     SimClient() = default;
     ~SimClient();
     SimClient(const SimClient&) = delete;
+    SimClient& operator=(const SimClient&) = delete;
 
     bool connectTo(unsigned short port);
     void close();

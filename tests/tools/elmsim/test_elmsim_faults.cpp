@@ -24,7 +24,7 @@ bool eventually(const std::function<bool()>& pred)
 
 TEST(ElmSimFaults, DelaysHoldBackTheAnswerUntilTheyAreOver)
 {
-    // No prompt can arrive in the first 100 ms of a 500 ms delay, however
+    // No prompt can arrive in the first 100 ms of a 300 ms delay, however
     // loaded the machine; then the rest of the answer comes.
     struct Row {
         const char* name;
@@ -34,11 +34,11 @@ TEST(ElmSimFaults, DelaysHoldBackTheAnswerUntilTheyAreOver)
         const char* atOnce;              // what is printed before the wait
         const char* reply;               // the whole reply
     } rows[] = {
-        { "per OBD request", [](ElmSim::ServerOptions& o) { o.delayMs = 500; }, { "ATSP6" }, "010D", "",
+        { "per OBD request", [](ElmSim::ServerOptions& o) { o.delayMs = 300; }, { "ATSP6" }, "010D", "",
           SPEED_REPLY },
-        { "reset boot time", [](ElmSim::ServerOptions& o) { o.resetDelayMs = 500; }, {}, "ATZ", "",
+        { "reset boot time", [](ElmSim::ServerOptions& o) { o.resetDelayMs = 300; }, {}, "ATZ", "",
           "\r\rELM327 v1.5\r\r>" },
-        { "protocol search after the search word", [](ElmSim::ServerOptions& o) { o.searchDelayMs = 500; }, {},
+        { "protocol search after the search word", [](ElmSim::ServerOptions& o) { o.searchDelayMs = 300; }, {},
           "010D", "SEARCHING...\r", "SEARCHING...\r41 0D 00 \r41 0D 00 \r\r>" },
     };
     for (const auto& row : rows) {
