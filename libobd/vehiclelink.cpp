@@ -8,7 +8,28 @@
 #include "tcpbus.h"
 #include "trlog.h"
 
+#include <mutex>
+#include <set>
+
 namespace Obd {
+
+namespace {
+
+// Adapters that dropped the link on ATZ, by address, for this process.
+std::mutex resetDroppersMutex;
+std::set<std::string>& resetDroppers()
+{
+    static std::set<std::string> addresses;
+    return addresses;
+}
+
+} // namespace
+
+bool VehicleLink::dropsLinkOnReset(const AdapterAddress& address)
+{
+    std::lock_guard<std::mutex> lock(resetDroppersMutex);
+    return resetDroppers().count(address.toString()) > 0;
+}
 
 const char* VehicleLink::statusName(Status status)
 {
@@ -64,10 +85,10 @@ void VehicleLink::cancel()
 
 VehicleLink::Status VehicleLink::open(const AdapterAddress& address)
 {
-    m_address = address;
-    m_error.clear();
     if (m_connection)
         return VL_OK;
+    m_address = address;
+    m_error.clear();
     if (isCancelled())
         return VL_CANCELLED;
     if (!address.isValid()) {
@@ -106,8 +127,13 @@ VehicleLink::Status VehicleLink::open(const AdapterAddress& address)
 
     LinkOpener opener;
     opener.setProgress(m_progress);
+    opener.setNoReset(m_noReset || dropsLinkOnReset(address));
     opener.setCancelled([this]() { return isCancelled(); });
     LinkOpener::Result result = opener.open(bus, m_listener, m_proxy, m_connection, m_scantool);
+    if (opener.resetDroppedLink()) {
+        std::lock_guard<std::mutex> lock(resetDroppersMutex);
+        resetDroppers().insert(address.toString());
+    }
     int closed = LS_CLOSED;
     if (result == LinkOpener::LO_OK && !m_state.compare_exchange_strong(closed, LS_OPEN)) {
         // Cancelled after the last step: the user no longer wants it.
