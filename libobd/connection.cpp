@@ -210,8 +210,9 @@ void Connection::disconnectCleanup()
         queueCondition_.wakeAll(); // a waiting reader learns at once
     }
     // close() and a read task that saw the peer go may both get here: tell once.
-    if (wasConnected && listener_)
-        listener_->onDisconnected();
+    IDisconnectListener* listener = listener_.load();
+    if (wasConnected && listener)
+        listener->onDisconnected();
 }
 
 } // namespace Obd

@@ -33,6 +33,8 @@ public:
     // Also 2 when the link goes while the reader waits: it is released at once.
     int read(std::vector<unsigned char>& message, unsigned int timeoutMs) override;
     void setDelimiter(unsigned char delimiter) override;
+    // Who hears of a lost link from now on; null: nobody.
+    void setListener(IDisconnectListener* listener) { listener_.store(listener); }
     std::string errorString() const override;
     // Loggers run under the queue mutex and must not call back into the connection.
     void addLogger(ILogger* logger) override;
@@ -56,7 +58,7 @@ private:
     CCondition queueCondition_;
     std::vector<ILogger*> loggers_;
     std::atomic<unsigned char> delimiter_;
-    IDisconnectListener* listener_;
+    std::atomic<IDisconnectListener*> listener_;
     CThread readThread_;
     std::atomic<bool> stop_;
     // Keeps write() off a bus the read task is closing.

@@ -23,26 +23,56 @@ const unsigned char CARRIAGE_RETURN = '\r';
 
 // Error words the adapter prints instead of data, searched in this order in
 // the reply without spaces; the first found decides. "ERR" comes last so the
-// longer words win. Code 1 is kept free.
+// longer words win. Code 1 is kept free. The reaction: a word that comes from
+// a passing bus or link state is worth one more try; one that says the
+// adapter lost its settings calls for setting it up again.
+const ScantoolError::Reaction REPORT = ScantoolError::RE_REPORT;
+const ScantoolError::Reaction RETRY = ScantoolError::RE_RETRY;
+const ScantoolError::Reaction REINITIALISE = ScantoolError::RE_REINITIALISE;
 struct ErrorWord
 {
-    const char* word;
+    const char* key;
     int code;
+    const char* word;
+    ScantoolError::Reaction reaction;
 };
 const ErrorWord ERROR_WORDS[] = {
-    { "NODATA",          ElmScantool::ERROR_NO_DATA },
-    { "UNABLETOCONNECT", ElmScantool::ERROR_UNABLE_TO_CONNECT },
-    { "BUFFERFULL",      ElmScantool::ERROR_BUFFER_FULL },
-    { "BUSBUSY",         ElmScantool::ERROR_BUS_BUSY },
-    { "BUSERROR",        ElmScantool::ERROR_BUS_ERROR },
-    { "CANERROR",        ElmScantool::ERROR_CAN_ERROR },
-    { "DATAERROR",       ElmScantool::ERROR_DATA_ERROR },
-    { "FBERROR",         ElmScantool::ERROR_FB_ERROR },
-    { "LVRESET",         ElmScantool::ERROR_LV_RESET },
-    { "RXERROR",         ElmScantool::ERROR_RX_ERROR },
-    { "STOPPED",         ElmScantool::ERROR_STOPPED },
-    { "ERR",             ElmScantool::ERROR_ERR },
+    { "NODATA",           ElmScantool::ERROR_NO_DATA,           "NO DATA",           REPORT },
+    { "UNABLETOCONNECT",  ElmScantool::ERROR_UNABLE_TO_CONNECT, "UNABLE TO CONNECT", REPORT },
+    { "BUSINIT:...ERROR", ElmScantool::ERROR_BUS_INIT,          "BUS INIT...ERROR",  RETRY },
+    { "BUFFERFULL",       ElmScantool::ERROR_BUFFER_FULL,       "BUFFER FULL",       RETRY },
+    { "BUSBUSY",          ElmScantool::ERROR_BUS_BUSY,          "BUS BUSY",          RETRY },
+    { "BUSERROR",         ElmScantool::ERROR_BUS_ERROR,         "BUS ERROR",         REPORT },
+    { "CANERROR",         ElmScantool::ERROR_CAN_ERROR,         "CAN ERROR",         REPORT },
+    { "<DATAERROR",       ElmScantool::ERROR_DATA_ERROR,        "<DATA ERROR",       RETRY },
+    { "DATAERROR",        ElmScantool::ERROR_DATA_ERROR,        "DATA ERROR",        RETRY },
+    { "FBERROR",          ElmScantool::ERROR_FB_ERROR,          "FB ERROR",          REPORT },
+    { "LVRESET",          ElmScantool::ERROR_LV_RESET,          "LV RESET",          REINITIALISE },
+    { "<RXERROR",         ElmScantool::ERROR_RX_ERROR,          "<RX ERROR",         RETRY },
+    { "RXERROR",          ElmScantool::ERROR_RX_ERROR,          "RX ERROR",          RETRY },
+    { "STOPPED",          ElmScantool::ERROR_STOPPED,           "STOPPED",           RETRY },
+    { "ACTALERT",         ElmScantool::ERROR_ACT_ALERT,         "ACT ALERT",         REPORT },
+    { "LPALERT",          ElmScantool::ERROR_LP_ALERT,          "LP ALERT",          REPORT },
+    { "ERR",              ElmScantool::ERROR_ERR,               "ERR",               REINITIALISE },
 };
+
+// What the adapter prints around data that is neither data nor an error.
+const char* const STATUS_WORDS[] = { "SEARCHING...", "BUS INIT:", "...OK" };
+
+// Frames ("7E8 06 41 00 ...", "0: 49 02 ...", "014"), possibly after a status.
+bool isDataLine(const std::string& line)
+{
+    std::string rest = line;
+    for (const char* status : STATUS_WORDS) {
+        for (size_t at = rest.find(status); at != std::string::npos; at = rest.find(status))
+            rest.erase(at, std::strlen(status));
+    }
+    for (char c : rest) {
+        if (!std::isxdigit(static_cast<unsigned char>(c)) && c != ' ' && c != ':')
+            return false;
+    }
+    return true;
+}
 
 // Baud-rate commands: "ATBRD" + divisor for ordinary adapters, "ATSCS" + code
 // for the OBDPros family. Null: not offered.
@@ -114,6 +144,8 @@ ElmScantool::ElmScantool()
     , m_protocol(PROTOCOL_UNKNOWN)
     , m_headersOn(false)
     , m_requestedProtocol(0)
+    , m_owed(0)
+    , m_owedBoundMs(0)
 {
 }
 
@@ -140,11 +172,43 @@ int ElmScantool::findAdapterError(const std::vector<unsigned char>& reply)
             text.push_back(static_cast<char>(c));
     }
     cutFirst(text, "SEARCHING...");
+    if (text == "?")
+        return ERROR_UNKNOWN_COMMAND;
     for (const ErrorWord& error : ERROR_WORDS) {
-        if (text.find(error.word) != std::string::npos)
+        if (text.find(error.key) != std::string::npos)
             return error.code;
     }
     return ERROR_NONE;
+}
+
+ScantoolError ElmScantool::describeAdapterError(const std::vector<unsigned char>& reply)
+{
+    ScantoolError error;
+    const int code = findAdapterError(reply);
+    if (code == ERROR_NONE)
+        return error;
+    error.status = ScantoolError::SE_ERROR_WORD;
+    if (code == ERROR_UNKNOWN_COMMAND) {
+        error.word = "?";
+        return error;
+    }
+    std::string text;
+    for (unsigned char c : reply) {
+        if (c != ' ')
+            text.push_back(static_cast<char>(c));
+    }
+    cutFirst(text, "SEARCHING...");
+    for (const ErrorWord& row : ERROR_WORDS) {
+        const size_t at = text.find(row.key);
+        if (at == std::string::npos)
+            continue;
+        error.word = row.word;
+        error.reaction = row.reaction;
+        if (row.code == ERROR_ERR) // "ERR94": the number says which
+            error.word = text.substr(at, 5);
+        break;
+    }
+    return error;
 }
 
 void ElmScantool::setConnection(IConnection* connection)
@@ -156,13 +220,10 @@ void ElmScantool::setConnection(IConnection* connection)
 bool ElmScantool::checkDevice()
 {
     drain(0);
-    if (!send("ATI"))
-        return false;
-    if (contains(readJoined(200, 50), ELM_MARKER))
+    std::string reply;
+    if (atCommand("ATI", reply) && contains(reply, ELM_MARKER))
         return true;
-    if (!send("ATI"))
-        return false;
-    return contains(readJoined(200, 50), ELM_MARKER);
+    return atCommand("ATI", reply) && contains(reply, ELM_MARKER);
 }
 
 bool ElmScantool::setBaudRateTimeout()
@@ -223,19 +284,28 @@ bool ElmScantool::confirmBaudRate()
 bool ElmScantool::reset()
 {
     drain(250);
-    const std::string command("ATZ");
-    if (!send(command))
+    std::string reply;
+    if (!atCommand("ATZ", reply, RESET_TIMEOUT_MS))
         return false;
-    std::string reply = readJoined(1250, 250);
-    if (reply == command) {
+    if (reply.empty()) {
         // Only the echo came: the banner follows later.
-        std::string banner;
-        read(banner, 1000);
-        reply = banner;
-    } else {
-        cutFirst(reply, command);
+        std::vector<std::string> lines;
+        readLines(lines, RESET_TIMEOUT_MS);
+        for (const std::string& line : lines)
+            reply += line + " ";
     }
     return identifyDevice(reply);
+}
+
+bool ElmScantool::warmStart()
+{
+    drain(250);
+    std::string reply;
+    atCommand("ATWS", reply, RESET_TIMEOUT_MS);
+    if (identifyDevice(reply))
+        return true;
+    // Without a warm start the defaults at least undo what an earlier client set.
+    return atCommand("ATD", reply) && contains(reply, ACK);
 }
 
 void ElmScantool::sendReset()
@@ -245,23 +315,38 @@ void ElmScantool::sendReset()
 
 bool ElmScantool::identify()
 {
-    const std::string command("ATI");
-    if (!send(command))
+    std::string reply;
+    atCommand("ATI", reply);
+    if (!identifyDevice(reply))
         return false;
-    std::string reply = readJoined(250, 50);
-    cutFirst(reply, command);
-    return identifyDevice(reply);
+    readChip();
+    return true;
 }
 
 bool ElmScantool::readDescription()
 {
-    const std::string command("AT@1");
-    if (!send(command))
-        return false;
-    std::string reply = readJoined(250, 50);
-    cutFirst(reply, command);
+    std::string reply;
+    if (!atCommand("AT@1", reply))
+        return m_connection && m_connection->isConnected();
+    if (reply == "?") {
+        // Clones refuse it; the chip's own name stands in where known.
+        OBD_INFO << "No description from the adapter (AT@1 refused)";
+        m_deviceDescription = m_chip;
+        return true;
+    }
     m_deviceDescription = trimmed(reply);
     return true;
+}
+
+void ElmScantool::readChip()
+{
+    // STN chips answer STI with their name; ELM327s and clones with "?".
+    std::string reply;
+    m_chip.clear();
+    if (atCommand("STI", reply) && reply != "?" && contains(reply, "STN")) {
+        m_chip = trimmed(reply);
+        OBD_INFO << "STN-based adapter: " << m_chip;
+    }
 }
 
 bool ElmScantool::initialize(unsigned int protocol)
@@ -270,9 +355,11 @@ bool ElmScantool::initialize(unsigned int protocol)
     drain(50);
     setDelimiter(PROMPT);
     drain(50);
-    if (!setting("ATE0", "Failed to set echo off. Response: "))
+    // Echo and line feeds are stripped from replies anyway: a clone that
+    // refuses either can still be used.
+    if (trySetting("ATE0", "Failed to set echo off. Response: ") == SR_FAILED)
         return m_initialized;
-    if (!setting("ATL0", "Failed to set linefeed off. Response: "))
+    if (trySetting("ATL0", "Failed to set linefeed off. Response: ") == SR_FAILED)
         return m_initialized;
     if (!setTryProtocol(protocol))
         return m_initialized;
@@ -282,10 +369,8 @@ bool ElmScantool::initialize(unsigned int protocol)
 
 bool ElmScantool::identifyProtocol()
 {
-    if (!send("ATDPN"))
-        return false;
     std::string number;
-    read(number, 500);
+    atCommand("ATDPN", number);
     if (number.empty())
         return false;
     // "A6": 'A' marks a protocol the adapter chose itself.
@@ -297,10 +382,8 @@ bool ElmScantool::identifyProtocol()
     }
     m_protocol = protocolClass(number[0]);
 
-    if (!send("ATDP"))
-        return false;
     std::string name;
-    read(name, 500);
+    atCommand("ATDP", name);
     if (name.empty())
         return false;
     // "AUTO, ISO 15765-4 (CAN 11/500)"
@@ -355,6 +438,7 @@ DeviceInfo ElmScantool::getDeviceInfo() const
     info.name = m_deviceName;
     info.description = m_deviceDescription;
     info.version = m_deviceVersion;
+    info.chip = m_chip;
     return info;
 }
 
@@ -371,25 +455,115 @@ std::string ElmScantool::getProtocolName() const
 bool ElmScantool::sendCommand(const std::vector<unsigned char>& command,
                               std::vector<unsigned char>& response, unsigned int timeoutMs)
 {
+    if (exchange(command, response, timeoutMs))
+        return true;
+    const ScantoolError first = m_lastError;
+    if (first.status != ScantoolError::SE_ERROR_WORD || first.reaction == ScantoolError::RE_REPORT)
+        return false;
+    if (first.reaction == ScantoolError::RE_REINITIALISE && !reinitialise())
+        return false;
+    OBD_INFO << "Retrying after " << first.word;
+    return exchange(command, response, timeoutMs);
+}
+
+bool ElmScantool::exchange(const std::vector<unsigned char>& command,
+                           std::vector<unsigned char>& response, unsigned int timeoutMs)
+{
     // A failed exchange must not leave an earlier reply for the caller to decode.
     response.clear();
-    if (!sendBytes(command) || !readResponse(response, timeoutMs))
+    m_lastError = ScantoolError();
+    if (!sendBytes(command)) {
+        m_lastError.status = ScantoolError::SE_NOT_CONNECTED;
         return false;
-    response.erase(std::remove(response.begin(), response.end(), ' '), response.end());
+    }
+    std::vector<std::string> lines;
+    const int status = readLines(lines, timeoutMs);
+    if (status != 0) {
+        m_lastError.status = status == 2 ? ScantoolError::SE_NOT_CONNECTED : ScantoolError::SE_TIMEOUT;
+        return false;
+    }
+    // An echo the adapter still prints (a refused ATE0, or settings lost) is no data.
+    const std::string echo(command.begin(), command.end());
+    if (!lines.empty() && lines.front() == echo)
+        lines.erase(lines.begin());
+    std::string joined;
+    std::string dropped;
+    for (const std::string& line : lines) {
+        joined += line;
+        if (findAdapterError(std::vector<unsigned char>(line.begin(), line.end())) != ERROR_NONE
+            || isDataLine(line)) {
+            for (char c : line) {
+                if (c != ' ')
+                    response.push_back(static_cast<unsigned char>(c));
+            }
+        } else {
+            dropped += (dropped.empty() ? "" : " | ") + line;
+        }
+    }
+    const ScantoolError word = describeAdapterError(std::vector<unsigned char>(joined.begin(), joined.end()));
+    if (word.status != ScantoolError::SE_NONE) {
+        response.clear();
+        m_lastError = word;
+        OBD_ERROR << "Got error from adapter: " << word.word;
+        return false;
+    }
+    if (!dropped.empty()) {
+        if (response.empty()) {
+            m_lastError.status = ScantoolError::SE_UNREADABLE;
+            m_lastError.word = ElmTransport::escaped(dropped);
+            OBD_ERROR << "Unreadable reply to " << echo << ": " << m_lastError.word;
+            return false;
+        }
+        OBD_INFO << "Unreadable line dropped: " << ElmTransport::escaped(dropped);
+    }
     return true;
 }
 
 bool ElmScantool::sendObdCommand(const std::string& command, std::string& response,
                                  unsigned int timeoutMs)
 {
-    response.clear();
-    if (!send(command))
-        return false;
-    return read(response, timeoutMs);
+    // An error word worth a second try gets one, as in sendCommand().
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        response.clear();
+        m_lastError = ScantoolError();
+        if (!send(command)) {
+            m_lastError.status = ScantoolError::SE_NOT_CONNECTED;
+            return false;
+        }
+        std::vector<std::string> lines;
+        const int status = readLines(lines, timeoutMs);
+        if (status != 0) {
+            m_lastError.status = status == 2 ? ScantoolError::SE_NOT_CONNECTED : ScantoolError::SE_TIMEOUT;
+            return false;
+        }
+        if (!lines.empty() && lines.front() == command)
+            lines.erase(lines.begin());
+        // The lines stay: they tell the frames apart, whatever each one's length.
+        // An error word fails the exchange, but its line and any data still come.
+        std::string joined;
+        for (const std::string& line : lines) {
+            const std::string kept = trimmed(line);
+            if (kept.empty())
+                continue;
+            response += (response.empty() ? "" : "\r") + kept;
+            joined += kept;
+        }
+        const ScantoolError word = describeAdapterError(std::vector<unsigned char>(joined.begin(), joined.end()));
+        if (word.status == ScantoolError::SE_NONE)
+            return true;
+        m_lastError = word;
+        OBD_ERROR << "Got error from adapter: " << word.word;
+        if (attempt > 0 || word.reaction == ScantoolError::RE_REPORT
+            || (word.reaction == ScantoolError::RE_REINITIALISE && !reinitialise()))
+            return false;
+        OBD_INFO << "Retrying after " << word.word;
+    }
+    return false;
 }
 
 bool ElmScantool::sendBytes(const std::vector<unsigned char>& command)
 {
+    settleOwedReplies();
     if (ElmTransport::send(m_connection, command) == 0)
         return true;
     resetState();
@@ -401,11 +575,41 @@ bool ElmScantool::send(const std::string& command)
     return sendBytes(std::vector<unsigned char>(command.begin(), command.end()));
 }
 
+int ElmScantool::readLines(std::vector<std::string>& lines, unsigned int timeoutMs)
+{
+    const int status = ElmTransport::receiveLines(m_connection, lines, timeoutMs);
+    if (status == 2) {
+        resetState();
+    } else if (status == 1) {
+        // The adapter may still answer: its prompt belongs to this command.
+        ++m_owed;
+        m_owedBoundMs = std::max(timeoutMs, AT_TIMEOUT_MS);
+    }
+    return status;
+}
+
+void ElmScantool::settleOwedReplies()
+{
+    while (m_owed > 0) {
+        const int status = ElmTransport::discard(m_connection, m_owedBoundMs);
+        if (status != 0) {
+            // Not in its bound either: the adapter is taken to have dropped it.
+            if (status == 1)
+                OBD_INFO << m_owed << " late replies never came";
+            m_owed = 0;
+            return;
+        }
+        --m_owed;
+    }
+}
+
 bool ElmScantool::readResponse(std::vector<unsigned char>& reply, unsigned int timeoutMs)
 {
-    int status = ElmTransport::receive(m_connection, reply, timeoutMs);
-    if (status == 2)
-        resetState();
+    std::vector<std::string> lines;
+    int status = readLines(lines, timeoutMs);
+    reply.clear();
+    for (const std::string& line : lines)
+        reply.insert(reply.end(), line.begin(), line.end());
     if (status != 0)
         return false;
     int error = findAdapterError(reply);
@@ -428,33 +632,73 @@ bool ElmScantool::read(std::string& text, unsigned int timeoutMs)
 
 std::string ElmScantool::readJoined(unsigned int firstMs, unsigned int secondMs)
 {
-    std::string first;
-    std::string second;
-    read(first, firstMs);
-    read(second, secondMs);
-    return first + second;
+    // Around a baud-rate change lines end in CR only: the second read is
+    // expected to time out, and owes nothing.
+    std::string joined;
+    for (unsigned int timeoutMs : { firstMs, secondMs }) {
+        std::vector<unsigned char> part;
+        if (ElmTransport::receive(m_connection, part, timeoutMs) == 2)
+            resetState();
+        joined.append(part.begin(), part.end());
+    }
+    return joined;
 }
 
 void ElmScantool::drain(unsigned int timeoutMs)
 {
-    std::string ignored;
-    read(ignored, timeoutMs);
+    // Whatever is still on its way, not a reply anyone waits for.
+    if (ElmTransport::discard(m_connection, timeoutMs) == 2)
+        resetState();
+}
+
+bool ElmScantool::atCommand(const std::string& command, std::string& reply, unsigned int timeoutMs)
+{
+    reply.clear();
+    if (!send(command))
+        return false;
+    std::vector<std::string> lines;
+    if (readLines(lines, timeoutMs) != 0)
+        return false;
+    for (const std::string& line : lines) {
+        std::string text = line;
+        if (reply.empty() && line.compare(0, command.size(), command) == 0)
+            text.erase(0, command.size()); // the echo, or the echo glued to the answer
+        text = trimmed(text);
+        if (!text.empty())
+            reply += (reply.empty() ? "" : " ") + text;
+    }
+    return true;
+}
+
+ElmScantool::SettingResult ElmScantool::trySetting(const std::string& command, const char* failureText,
+                                                   bool appendReply)
+{
+    std::string reply;
+    const bool answered = atCommand(command, reply);
+    if (answered && contains(reply, ACK))
+        return SR_OK;
+    if (appendReply)
+        OBD_ERROR << failureText << reply;
+    else
+        OBD_ERROR << failureText;
+    return answered && reply == "?" ? SR_REFUSED : SR_FAILED;
 }
 
 bool ElmScantool::setting(const std::string& command, const char* failureText, bool appendReply)
 {
-    if (!send(command))
+    return trySetting(command, failureText, appendReply) == SR_OK;
+}
+
+bool ElmScantool::reinitialise()
+{
+    // The adapter came back with its defaults: echo on, headers off, protocol automatic.
+    OBD_INFO << "Setting the adapter up again";
+    const bool headers = m_headersOn;
+    trySetting("ATE0", "Failed to set echo off. Response: ");
+    trySetting("ATL0", "Failed to set linefeed off. Response: ");
+    if (!setTryProtocol(m_requestedProtocol))
         return false;
-    std::string reply;
-    read(reply, 500);
-    if (!contains(reply, ACK)) {
-        if (appendReply)
-            OBD_ERROR << failureText << reply;
-        else
-            OBD_ERROR << failureText;
-        return false;
-    }
-    return true;
+    return headers ? setHeadersOn() : setHeadersOff();
 }
 
 bool ElmScantool::identifyDevice(const std::string& reply)

@@ -30,8 +30,17 @@ public:
         ERROR_RX_ERROR = 10,
         ERROR_STOPPED = 11,
         ERROR_UNABLE_TO_CONNECT = 12,
-        ERROR_NONE = 13
+        ERROR_BUS_INIT = 13,
+        ERROR_ACT_ALERT = 14,
+        ERROR_LP_ALERT = 15,
+        ERROR_UNKNOWN_COMMAND = 16,  // "?": the adapter did not understand the line
+        ERROR_NONE = 17
     };
+
+    // Bounds for a reply to reach its prompt: slow Bluetooth clones take
+    // 600 ms for an AT reply and 1.5 s for a reset.
+    static const unsigned int AT_TIMEOUT_MS = 2000;
+    static const unsigned int RESET_TIMEOUT_MS = 3000;
 
     ElmScantool();
     ~ElmScantool() override;
@@ -41,6 +50,8 @@ public:
 
     // The code of the first error word found in a reply, ERROR_NONE without one.
     static int findAdapterError(const std::vector<unsigned char>& reply);
+    // The same, with the word as printed and what to do about it.
+    static ScantoolError describeAdapterError(const std::vector<unsigned char>& reply);
 
     void setConnection(IConnection* connection) override;
     bool checkDevice() override;
@@ -66,6 +77,8 @@ public:
                      std::vector<unsigned char>& response, unsigned int timeoutMs) override;
     bool sendObdCommand(const std::string& command, std::string& response,
                         unsigned int timeoutMs) override;
+    ScantoolError lastError() const override { return m_lastError; }
+    bool warmStart() override;
 
 private:
     ElmScantool(const ElmScantool&) = delete;
@@ -74,9 +87,22 @@ private:
     bool sendBytes(const std::vector<unsigned char>& command);
     bool send(const std::string& command);
     bool readResponse(std::vector<unsigned char>& reply, unsigned int timeoutMs);
+    // One reply's lines, noise dropped; a reply that misses its bound is owed
+    // and drained before the next command goes out.
+    int readLines(std::vector<std::string>& lines, unsigned int timeoutMs);
+    void settleOwedReplies();
+    bool exchange(const std::vector<unsigned char>& command, std::vector<unsigned char>& response,
+                  unsigned int timeoutMs);
+    // An AT command and its reply without echo, lines joined by a blank. Empty
+    // without a reply (logged).
+    bool atCommand(const std::string& command, std::string& reply, unsigned int timeoutMs = AT_TIMEOUT_MS);
+    bool reinitialise();
+    void readChip();
     bool read(std::string& text, unsigned int timeoutMs);
     std::string readJoined(unsigned int firstMs, unsigned int secondMs);
     void drain(unsigned int timeoutMs);
+    enum SettingResult { SR_OK, SR_REFUSED, SR_FAILED };
+    SettingResult trySetting(const std::string& command, const char* failureText, bool appendReply = true);
     bool setting(const std::string& command, const char* failureText, bool appendReply = true);
     bool identifyDevice(const std::string& reply);
     bool isOBDProsAdapter() const;
@@ -92,6 +118,10 @@ private:
     unsigned int m_protocol;
     bool m_headersOn;
     unsigned int m_requestedProtocol;
+    std::string m_chip;
+    ScantoolError m_lastError;
+    unsigned int m_owed;        // replies whose prompt has not come yet
+    unsigned int m_owedBoundMs; // how long the latest of them may still take
 };
 
 } // namespace Obd

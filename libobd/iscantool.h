@@ -28,6 +28,45 @@ struct DeviceInfo
     std::string name;
     std::string description;
     std::string version;
+    // The chip behind an ELM327-compatible face ("STN1110 v4.2.0"), empty when unknown.
+    std::string chip;
+};
+
+// How the last exchange ended, and the adapter's own word for it.
+struct ScantoolError
+{
+    enum Status {
+        SE_NONE = 0,
+        SE_NOT_CONNECTED,  // no link, or it went during the exchange
+        SE_TIMEOUT,        // no prompt within the bound
+        SE_ERROR_WORD,     // the adapter printed an error word instead of data
+        SE_UNREADABLE      // only bytes that are neither data, an error word nor a status
+    };
+    // What the scan tool does about an error word.
+    enum Reaction { RE_REPORT = 0, RE_RETRY, RE_REINITIALISE };
+
+    Status status = SE_NONE;
+    // The error word as the adapter prints it ("NO DATA", "ERR94", "?"), or
+    // for SE_UNREADABLE what came, control characters escaped.
+    std::string word;
+    Reaction reaction = RE_REPORT;
+
+    static const char* statusName(Status status)
+    {
+        switch (status) {
+        case SE_NONE: return "ok";
+        case SE_NOT_CONNECTED: return "not connected";
+        case SE_TIMEOUT: return "no answer in time";
+        case SE_ERROR_WORD: return "adapter error";
+        case SE_UNREADABLE: return "unreadable answer";
+        }
+        return "unknown";
+    }
+    // "adapter error: CAN ERROR"
+    std::string text() const
+    {
+        return word.empty() ? statusName(status) : std::string(statusName(status)) + ": " + word;
+    }
 };
 
 class IScantool
@@ -60,6 +99,11 @@ public:
     // One exchange; the reply text as it came, framing stripped.
     virtual bool sendObdCommand(const std::string& command, std::string& response,
                                 unsigned int timeoutMs) = 0;
+    // How the last OBD exchange ended.
+    virtual ScantoolError lastError() const { return ScantoolError(); }
+    // Opening without ATZ for adapters that drop the link on it: ATWS, or ATD
+    // where that is refused. Identifies the adapter from the banner.
+    virtual bool warmStart() { return false; }
 };
 
 } // namespace Obd

@@ -2,6 +2,7 @@
 #include "connection.h"
 #include "elmscantool.h"
 #include "iobdproxy.h"
+#include "trlog.h"
 
 namespace Obd {
 
@@ -35,6 +36,27 @@ void LinkOpener::report(const std::string& step)
         m_progress(step);
 }
 
+bool LinkOpener::resetAdapter(IConnection* connection, IScantool* scantool,
+                              IDisconnectListener* listener)
+{
+    Connection* link = static_cast<Connection*>(connection);
+    if (!m_noReset) {
+        scantool->reset();
+        if (link->isConnected()) {
+            link->setListener(listener);
+            return true;
+        }
+        OBD_INFO << "The adapter dropped the link on ATZ: reconnecting without a reset";
+        m_resetDropped = true;
+        if (cancelled() || link->open(nullptr) != IMessageBus::OS_OK)
+            return false;
+    }
+    if (!scantool->warmStart())
+        OBD_INFO << "No warm start either: going on with the adapter as it is";
+    link->setListener(listener);
+    return link->isConnected();
+}
+
 LinkOpener::Result LinkOpener::open(IMessageBus* bus, IDisconnectListener* listener,
                                     IObdProxy* proxy, IConnection*& connection,
                                     IScantool*& scantool)
@@ -50,8 +72,11 @@ LinkOpener::Result LinkOpener::open(IMessageBus* bus, IDisconnectListener* liste
         return LO_CANCELLED;
     }
     report("Connecting");
+    m_resetDropped = false;
     Connection* link = new Connection(bus);
-    m_connectStatus = link->open(listener);
+    // The listener hears of a lost link once the reset is behind: a clone
+    // that drops it on ATZ is reopened.
+    m_connectStatus = link->open(nullptr);
     if (m_connectStatus != IMessageBus::OS_OK) {
         m_connectError = link->errorString();
         delete link;
@@ -61,8 +86,8 @@ LinkOpener::Result LinkOpener::open(IMessageBus* bus, IDisconnectListener* liste
     Result result = LO_OK;
     scantool = ElmScantool::create(connection);
     report("Identifying adapter");
-    scantool->reset();
-    if (cancelled() || !scantool->identify()) {
+    const bool reset = resetAdapter(link, scantool, listener);
+    if (cancelled() || !reset || !scantool->identify()) {
         result = LO_IDENTIFY_FAILED;
     } else {
         scantool->readDescription();

@@ -34,6 +34,10 @@ public:
     virtual ~LinkOpener();
 
     void setProgress(const Progress& progress);
+    // Skip ATZ and open with a warm start: for adapters that drop the link on a reset.
+    void setNoReset(bool noReset) { m_noReset = noReset; }
+    // After open(): the adapter dropped the link on ATZ and was reopened without it.
+    bool resetDroppedLink() const { return m_resetDropped; }
     // Asked between the steps; a step under way is ended by the bus instead.
     void setCancelled(const Cancelled& cancelled);
 
@@ -50,7 +54,11 @@ private:
     void report(const std::string& step);
     bool cancelled() const;
 
+    bool resetAdapter(IConnection* connection, IScantool* scantool, IDisconnectListener* listener);
+
     Progress m_progress;
+    bool m_noReset = false;
+    bool m_resetDropped = false;
     Cancelled m_cancelled;
     int m_connectStatus;
     std::string m_connectError;

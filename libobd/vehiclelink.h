@@ -45,6 +45,10 @@ public:
     ~VehicleLink();
 
     void setProgress(const LinkOpener::Progress& progress);
+    // Never send ATZ: open with a warm start. Adapters found to drop the link
+    // on ATZ are opened so anyway for the rest of the process.
+    void setNoReset(bool noReset) { m_noReset = noReset; }
+    static bool dropsLinkOnReset(const AdapterAddress& address);
     // Blocks through the whole opening; an open link stays as it is.
     Status open(const AdapterAddress& address);
     // Any thread, async-signal-safe: an opening under way ends with
@@ -72,6 +76,7 @@ private:
     IObdProxy* m_proxy;
     IDisconnectListener* m_listener;
     LinkOpener::Progress m_progress;
+    bool m_noReset = false;
     AdapterAddress m_address;
     std::shared_ptr<BusInterrupt> m_interrupt;
     enum State { LS_CLOSED, LS_OPEN, LS_CANCELLED };

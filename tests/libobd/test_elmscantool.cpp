@@ -34,6 +34,7 @@ struct Adapter
     void scriptOpening()
     {
         link.setReply("ATI", "ATI\rELM327 v1.5\r\r>");
+        link.setReply("STI", "STI\r?\r\r>");
         link.setReply("AT@1", "AT@1\rOBDII to RS232 Interpreter\r\r>");
         link.setReply("ATE0", "ATE0\rOK\r\r>");
         link.setReply("ATL0", "OK\r\r>");
@@ -63,26 +64,29 @@ TEST(ElmScantool, OpeningDialogueWithRealAndCloneAdapters)
 {
     const struct {
         const char* name;
-        std::string atz, atzLate, ati, description, version, storedDescription;
+        std::string atz, ati, sti, description, version, storedDescription, chip;
     } rows[] = {
-        {"genuine ELM327 v1.5, echo on after reset", "ATZ\r\r\rELM327 v1.5\r\r>", "", "ATI\rELM327 v1.5\r\r>",
-         "AT@1\rOBDII to RS232 Interpreter\r\r>", "v1.5", "OBDII to RS232 Interpreter"},
-        {"clone answering ? to AT@1", "ATZ\r\r\rELM327 v2.1\r\r>", "", "ATI\rELM327 v2.1\r\r>", "AT@1\r?\r\r>",
-         "v2.1", "?"},
-        {"STN-based, line feeds on", "ATZ\r\n\r\n\r\nELM327 v1.3a\r\n\r\n>", "", "ATI\r\nELM327 v1.3a\r\n\r\n>",
-         "AT@1\r\nSTN adapter\r\n\r\n>", "v1.3a", "STN adapter"},
-        {"NUL and 0xFC bytes around the reset", std::string("\xFC\xFE" "ATZ\r\r\r\0ELM327 v1.4b\r\r\0>", 25), "",
-         "ATI\rELM327 v1.4b\r\r>", "AT@1\r  spaced description \r\r>", "v1.4b", "spaced description"},
-        {"clone without echo", "\r\rELM327 v1.5\r\r>", "", "ELM327 v1.5\r\r>", "?\r\r>", "v1.5", "?"},
-        {"banner only after the echo alone", "ATZ\r>", "\r\rELM327 v1.5\r\r>", "ATI\rELM327 v1.5\r\r>", "?\r\r>",
-         "v1.5", "?"},
+        {"genuine ELM327 v1.5, echo on after reset", "ATZ\r\r\rELM327 v1.5\r\r>", "ATI\rELM327 v1.5\r\r>",
+         "STI\r?\r\r>", "AT@1\rOBDII to RS232 Interpreter\r\r>", "v1.5", "OBDII to RS232 Interpreter", ""},
+        {"clone answering ? to AT@1: skipped", "ATZ\r\r\rELM327 v2.1\r\r>", "ATI\rELM327 v2.1\r\r>", "?\r\r>",
+         "AT@1\r?\r\r>", "v2.1", "", ""},
+        {"STN-based, line feeds on", "ATZ\r\n\r\n\r\nELM327 v1.3a\r\n\r\n>", "ATI\r\nELM327 v1.3a\r\n\r\n>",
+         "STI\r\nSTN1110 v4.2.0\r\n\r\n>", "AT@1\r\nSTN adapter\r\n\r\n>", "v1.3a", "STN adapter",
+         "STN1110 v4.2.0"},
+        {"STN-based refusing AT@1: named by its chip", "ATZ\r\r\rELM327 v1.4b\r\r>", "ATI\rELM327 v1.4b\r\r>",
+         "STI\rSTN2120 v5.6.1\r\r>", "AT@1\r?\r\r>", "v1.4b", "STN2120 v5.6.1", "STN2120 v5.6.1"},
+        {"NUL and 0xFC bytes around the reset", std::string("\xFC\xFE" "ATZ\r\r\r\0ELM327 v1.4b\r\r\0>", 25),
+         "ATI\rELM327 v1.4b\r\r>", "?\r\r>", "AT@1\r  spaced description \r\r>", "v1.4b", "spaced description", ""},
+        {"clone without echo, a Bluetooth status line", "\r\rELM327 v1.5\r\r>", "+CONNECTED\rELM327 v1.5\r\r>",
+         "?\r\r>", "?\r\r>", "v1.5", "", ""},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         Adapter adapter;
         adapter.scriptOpening();
-        adapter.link.setReply("ATZ", row.atz, row.atzLate);
+        adapter.link.setReply("ATZ", row.atz);
         adapter.link.setReply("ATI", row.ati);
+        adapter.link.setReply("STI", row.sti);
         adapter.link.setReply("AT@1", row.description);
         EXPECT_TRUE(adapter.tool.reset());
         EXPECT_EQ(row.version, adapter.tool.getDeviceInfo().version);
@@ -90,9 +94,10 @@ TEST(ElmScantool, OpeningDialogueWithRealAndCloneAdapters)
         EXPECT_TRUE(adapter.tool.readDescription());
         EXPECT_TRUE(adapter.tool.initialize(0));
         EXPECT_TRUE(adapter.tool.isInitialized());
-        EXPECT_EQ(lines({"ATZ", "ATI", "AT@1", "ATE0", "ATL0", "ATTP0"}), adapter.link.written());
+        EXPECT_EQ(lines({"ATZ", "ATI", "STI", "AT@1", "ATE0", "ATL0", "ATTP0"}), adapter.link.written());
         EXPECT_EQ("ELM327", adapter.tool.getDeviceInfo().name);
         EXPECT_EQ(row.storedDescription, adapter.tool.getDeviceInfo().description);
+        EXPECT_EQ(row.chip, adapter.tool.getDeviceInfo().chip);
         EXPECT_FALSE(adapter.tool.isHeadersOn());
         // A reset sent on leaving does not wait for the banner.
         adapter.tool.sendReset();
@@ -118,20 +123,23 @@ TEST(ElmScantool, UnrecognisedIdentificationFailsAndIsLoggedWithTheReply)
     EXPECT_TRUE(adapter.tool.identify());
 }
 
-TEST(ElmScantool, InitializeStopsAtTheFirstRefusedSetting)
+TEST(ElmScantool, InitializeSkipsRefusedEchoAndLineFeedSettingsOnly)
 {
-    const struct { const char* refused; std::string logged; std::vector<std::string> sent; } rows[] = {
-        {"ATE0", "Failed to set echo off. Response: ?", lines({"ATE0"})},
-        {"ATL0", "Failed to set linefeed off. Response: ?", lines({"ATE0", "ATL0"})},
-        {"ATTP0", "Failed to set try protocol. Response: ?", lines({"ATE0", "ATL0", "ATTP0"})},
+    const struct {
+        const char* refused; std::string reply, logged; std::vector<std::string> sent; bool initialized;
+    } rows[] = {
+        {"ATE0", "?", "Failed to set echo off. Response: ?", lines({"ATE0", "ATL0", "ATTP0"}), true},
+        {"ATL0", "?", "Failed to set linefeed off. Response: ?", lines({"ATE0", "ATL0", "ATTP0"}), true},
+        {"ATTP0", "?", "Failed to set try protocol. Response: ?", lines({"ATE0", "ATL0", "ATTP0"}), false},
+        {"ATE0", "", "Failed to set echo off. Response: ", lines({"ATE0"}), false},
     };
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.refused);
+        SCOPED_TRACE(row.refused + (" " + row.reply));
         Adapter adapter;
         adapter.scriptOpening();
-        adapter.link.setReply(row.refused, "?\r\r>");
-        EXPECT_FALSE(adapter.tool.initialize(0));
-        EXPECT_FALSE(adapter.tool.isInitialized());
+        adapter.link.setReply(row.refused, row.reply.empty() ? "" : row.reply + "\r\r>");
+        EXPECT_EQ(row.initialized, adapter.tool.initialize(0));
+        EXPECT_EQ(row.initialized, adapter.tool.isInitialized());
         EXPECT_EQ(row.sent, adapter.link.written());
         EXPECT_EQ(row.logged, adapter.logged("Failed to set"));
     }
@@ -216,41 +224,82 @@ TEST(ElmScantool, ExchangesStripFramingAndFailOnErrorWordsOrSilence)
         std::string adapter;
         std::string response; // when it succeeds
         std::string log;      // the error logged when it fails
-        bool keepSpaces;
+        ScantoolError::Status status = ScantoolError::SE_NONE;
+        std::string word = "";
     } rows[] = {
-        {"single ECU, headers off", "41 00 BE 3F A8 13 \r\r>", "4100BE3FA813", "", false},
+        {"single ECU, headers off", "41 00 BE 3F A8 13 \r\r>", "4100BE3FA813", ""},
         {"two ECUs on CAN, line feeds on", "7EA 06 41 00 98 18 80 13 \r\n7E8 06 41 00 BE 3F A8 13 \r\n\r\n>",
-         "7EA06410098188013" "7E8064100BE3FA813", "", false},
-        {"negative response is data here", "7E8 03 7F 01 12 \r\r>", "7E8037F0112", "", false},
-        {"ACT ALERT is not an error word", "ACT ALERT\r\r>", "ACTALERT", "", false},
-        {"searching, then data", "SEARCHING...\r41 0C 1A F8 \r\r>", "SEARCHING...410C1AF8", "", false},
-        {"empty reply", "\r\r>", "", "", false},
-        {"prompts inside the reply", "41 0C>1A F8>\r>", "410C1AF8", "", false},
-        {"garbage and NUL bytes", std::string("\0\0\xFF\xFE\x01 junk \x7F\0\r\r>", 16),
-         std::string("\xFF\xFE\x01junk\x7F", 8), "", false},
-        {"raw command keeps the spaces", "SEARCHING...\r41 0C 1A F8 \r\r>", "SEARCHING...41 0C 1A F8 ", "", true},
-        {"searching, then no data", "SEARCHING...\rNO DATA\r\r>", "", "Got error from adapter: 0", false},
-        {"no data wins over later words", "NO DATA\rCAN ERROR\r\r>", "", "Got error from adapter: 0", false},
-        {"K-line init failed", "BUS INIT: ...ERROR\r\r>", "", "Got error from adapter: 7", false},
-        {"raw command with an error word", "CAN ERROR\r\r>", "", "Got error from adapter: 5", true},
-        {"silence", "", "", "Connection timeout: 1000 ms", false},
+         "7EA06410098188013" "7E8064100BE3FA813", ""},
+        {"negative response is data here", "7E8 03 7F 01 12 \r\r>", "7E8037F0112", ""},
+        {"ACT ALERT", "ACT ALERT\r\r>", "", "Got error from adapter: ACT ALERT", ScantoolError::SE_ERROR_WORD,
+         "ACT ALERT"},
+        {"searching, then data", "SEARCHING...\r41 0C 1A F8 \r\r>", "SEARCHING...410C1AF8", ""},
+        {"empty reply", "\r\r>", "", ""},
+        {"prompts inside the reply", "41 0C>1A F8>\r>", "410C1AF8", ""},
+        {"noise bytes and a status line around data", std::string("\0\xFC+PAIRABLE\r41 0C 1A F8 \x80\r\r>", 28),
+         "410C1AF8", ""},
+        {"a line of garbage next to data", "41 0C 1A F8 \rk#%q\x01\r\r>", "410C1AF8", ""},
+        {"only garbage: named in the error", std::string("\0\xFF\xFE\x01 junk \x7F\0\r\r>", 16), "",
+         "Unreadable reply to 0100: junk ", ScantoolError::SE_UNREADABLE, "junk "},
+        {"echo still on", "0100\r41 0C 1A F8 \r\r>", "410C1AF8", ""},
+        {"searching, then no data", "SEARCHING...\rNO DATA\r\r>", "", "Got error from adapter: NO DATA",
+         ScantoolError::SE_ERROR_WORD, "NO DATA"},
+        {"no data wins over later words", "NO DATA\rCAN ERROR\r\r>", "", "Got error from adapter: NO DATA",
+         ScantoolError::SE_ERROR_WORD, "NO DATA"},
+        {"K-line init failed", "BUS INIT: ...ERROR\r\r>", "", "Got error from adapter: BUS INIT...ERROR",
+         ScantoolError::SE_ERROR_WORD, "BUS INIT...ERROR"},
+        {"settings lost, with the number", "ERR94\r\r>", "", "Got error from adapter: ERR94",
+         ScantoolError::SE_ERROR_WORD, "ERR94"},
+        {"partial data, then the error", "7E8 10 14 49 02 01\r<RX ERROR\r\r>", "", "Got error from adapter: <RX ERROR",
+         ScantoolError::SE_ERROR_WORD, "<RX ERROR"},
+        {"not understood", "?\r\r>", "", "Got error from adapter: ?", ScantoolError::SE_ERROR_WORD, "?"},
+        {"silence", "", "", "Connection timeout: 1000 ms", ScantoolError::SE_TIMEOUT},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         Adapter adapter;
         adapter.link.setReply("0100", row.adapter);
-        std::string response = "old";
         Bytes reply{'o', 'l', 'd'};
-        const bool ok = row.keepSpaces ? adapter.tool.sendObdCommand("0100", response, 1000)
-                                       : adapter.tool.sendCommand(Bytes{'0', '1', '0', '0'}, reply, 1000);
-        if (!row.keepSpaces)
-            response.assign(reply.begin(), reply.end());
+        const bool ok = adapter.tool.sendCommand(Bytes{'0', '1', '0', '0'}, reply, 1000);
+        const std::string response(reply.begin(), reply.end());
         EXPECT_EQ(row.log.empty(), ok);
         EXPECT_EQ(row.response, response);
-        EXPECT_EQ(lines({"0100"}), adapter.link.written()) << "one line, ended by a carriage return only";
+        EXPECT_EQ("0100\r", adapter.link.written().front()) << "one line, ended by a carriage return only";
         if (!row.log.empty()) {
             EXPECT_TRUE(LogCapture::instance().contains(row.log, LOG_ERROR));
         }
+        EXPECT_EQ(row.status, adapter.tool.lastError().status);
+        EXPECT_EQ(row.word, adapter.tool.lastError().word);
+    }
+}
+
+TEST(ElmScantool, ErrorWordsAreReportedRetriedOnceOrFollowedByASetUp)
+{
+    const std::vector<std::string> setUp = {"ATE0", "ATL0", "ATTP0", "ATH1"};
+    const struct { const char* word; std::vector<std::string> between; bool answered; } rows[] = {
+        {"NO DATA", {}, false}, {"CAN ERROR", {}, false}, {"UNABLE TO CONNECT", {}, false},
+        {"BUFFER FULL", {"0100"}, true}, {"STOPPED", {"0100"}, true}, {"<DATA ERROR", {"0100"}, true},
+        {"BUS INIT: ...ERROR", {"0100"}, true}, {"LV RESET", setUp, true}, {"ERR94", setUp, true},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.word);
+        Adapter adapter;
+        adapter.scriptOpening();
+        adapter.link.setReply("ATH1", "OK\r\r>");
+        ASSERT_TRUE(adapter.tool.initialize(0) && adapter.tool.setHeadersOn());
+        adapter.link.clearWritten();
+        adapter.link.addReply("0100", std::string(row.word) + "\r\r>");
+        adapter.link.addReply("0100", "7E8 06 41 00 BE 3F A8 13 \r\r>");
+        Bytes reply;
+        EXPECT_EQ(row.answered, adapter.tool.sendCommand(Bytes{'0', '1', '0', '0'}, reply, 1000));
+        std::vector<std::string> sent = {"0100"};
+        sent.insert(sent.end(), row.between.begin(), row.between.end());
+        if (row.between.size() > 1)
+            sent.push_back("0100");
+        EXPECT_EQ(lines(sent), adapter.link.written());
+        EXPECT_EQ(row.answered ? "7E8064100BE3FA813" : "", std::string(reply.begin(), reply.end()));
+        EXPECT_EQ(row.answered ? ScantoolError::SE_NONE : ScantoolError::SE_ERROR_WORD,
+                  adapter.tool.lastError().status);
     }
 }
 

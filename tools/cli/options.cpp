@@ -29,6 +29,7 @@ Options::Options()
     , yes(false)
     , help(false)
     , verbose(false)
+    , noReset(false)
     , periodMs(1000)
     , count(-1)
 {
@@ -62,6 +63,7 @@ std::string Options::usage()
            "  --serial DEVICE     use the serial adapter at DEVICE (/dev/ttyUSB0, /dev/rfcomm0)\n"
            "  --baud N|auto       serial: baud rate (default 38400); auto tries 38400, 9600,\n"
            "                      115200, 230400 and 500000\n"
+           "  --no-reset          open without ATZ (for adapters that drop the link on it)\n"
            "  --json              machine-readable output\n"
            "  --imperial          imperial units for live values\n"
            "  --period MS         live: sample period (default 1000)\n"
@@ -119,6 +121,8 @@ bool Options::parse(const std::vector<std::string>& args)
             json = true;
         } else if (arg == "--verbose" || arg == "-v") {
             verbose = true;
+        } else if (arg == "--no-reset") {
+            noReset = true;
         } else if (arg == "--imperial") {
             imperial = true;
         } else if (arg == "--yes" || arg == "-y") {

@@ -34,6 +34,7 @@ public:
     bool yes;
     bool help;
     bool verbose;
+    bool noReset;        // open with a warm start instead of ATZ
     int periodMs;
     int count;
 
