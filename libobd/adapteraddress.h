@@ -13,9 +13,9 @@ class AdapterAddress
 public:
     enum Kind { AK_NONE = 0, AK_TCP, AK_BLUETOOTH, AK_SERIAL };
 
-    static const unsigned int DEFAULT_BAUD = 38400;
+    static constexpr unsigned int DEFAULT_BAUD = 38400;
     // The serial rate is detected when the link opens.
-    static const unsigned int AUTO_BAUD = 0;
+    static constexpr unsigned int AUTO_BAUD = 0;
 
     AdapterAddress();
     static AdapterAddress tcp(const std::string& host, unsigned int port);

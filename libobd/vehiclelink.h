@@ -36,7 +36,7 @@ public:
 
     // Where the adapters' serial-port service listens (the low byte of the
     // service class 0x1101).
-    static const unsigned int RFCOMM_CHANNEL = 1;
+    static constexpr unsigned int RFCOMM_CHANNEL = 1;
 
     static const char* statusName(Status status);
 

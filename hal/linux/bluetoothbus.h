@@ -15,7 +15,7 @@ class BluetoothBus : public DescriptorBus
 {
 public:
     // Paging a device that is off or out of range takes longer than a TCP connect.
-    static const int CONNECT_TIMEOUT_MS = 10000;
+    static constexpr int CONNECT_TIMEOUT_MS = 10000;
 
     BluetoothBus();
 

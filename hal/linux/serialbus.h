@@ -13,11 +13,11 @@ namespace Obd {
 class SerialBus : public DescriptorBus
 {
 public:
-    static const unsigned int DEFAULT_BAUD = 38400;
+    static constexpr unsigned int DEFAULT_BAUD = 38400;
     // Tries the usual rates until the adapter prompts.
-    static const unsigned int AUTO_BAUD = 0;
+    static constexpr unsigned int AUTO_BAUD = 0;
     // How long one rate may take to bring the prompt during detection.
-    static const int PROBE_TIMEOUT_MS = 500;
+    static constexpr int PROBE_TIMEOUT_MS = 500;
 
     SerialBus();
 

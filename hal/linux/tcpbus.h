@@ -14,7 +14,7 @@ class TcpBus : public DescriptorBus
 {
 public:
     // An adapter switched off or out of range never answers the connect.
-    static const int CONNECT_TIMEOUT_MS = 5000;
+    static constexpr int CONNECT_TIMEOUT_MS = 5000;
 
     TcpBus();
 
