@@ -1,6 +1,4 @@
 #include "saestandard.h"
-#include "ecu.h"
-#include "trlog.h"
 
 namespace Obd {
 
@@ -28,7 +26,7 @@ const char* const STANDARD_TEXTS[LAST_STANDARD + 1] = {
 } // namespace
 
 SaeStandard::SaeStandard(unsigned char mode)
-    : CataloguePid(0x1C, mode)
+    : EnumeratedPid(0x1C, mode)
 {
 }
 
@@ -36,34 +34,14 @@ SaeStandard::~SaeStandard()
 {
 }
 
-bool SaeStandard::decode(unsigned int ecuId, const std::vector<unsigned char>& data)
+unsigned int SaeStandard::codeOf(unsigned char byte) const
 {
-    if (!m_descriptor.acceptsLength(data.size()))
-        return false;
-    m_values[ecuId] = data[0] <= LAST_STANDARD ? data[0] : 0;
-    return true;
+    return byte <= LAST_STANDARD ? byte : 0;
 }
 
 unsigned int SaeStandard::getStandard(const Ecu& ecu) const
 {
-    auto it = m_values.find(ecu.getId());
-    if (it == m_values.end()) {
-        OBD_WARN << "invalid ECU id " << ecu.getId();
-        return 0;
-    }
-    return it->second;
-}
-
-void SaeStandard::getFormattedValues(const Ecu& ecu, UnitSystem unitSystem,
-                                     std::vector<std::string>& list) const
-{
-    (void)unitSystem;
-    auto it = m_values.find(ecu.getId());
-    if (it == m_values.end()) {
-        OBD_WARN << "invalid ECU id " << ecu.getId();
-        return;
-    }
-    list.push_back(standardText(it->second));
+    return code(ecu);
 }
 
 std::string SaeStandard::standardText(unsigned int code)
