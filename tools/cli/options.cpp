@@ -7,7 +7,8 @@ namespace Cli {
 namespace {
 
 const char* const COMMANDS[] = { "info", "dtc", "clear", "live", "vehicle", "tests",
-                                 "lookup", "search", "bench" };
+                                 "lookup", "search", "bench",
+                                 "record", "report" };
 
 bool isCommand(const std::string& word)
 {
@@ -32,6 +33,7 @@ Options::Options()
     , noReset(false)
     , periodMs(1000)
     , count(-1)
+    , durationS(0)
 {
 }
 
@@ -55,6 +57,10 @@ std::string Options::usage()
            "  lookup CODE...    describe trouble codes from the offline database\n"
            "  search TEXT       find trouble codes whose code or description contains TEXT\n"
            "  bench [PID]       adapter speed test: back-to-back exchanges of one PID (0C)\n"
+           "  record PID...     live values to the CSV file --out, one column per PID and\n"
+           "                    ECU, every --period ms until --count, --duration or Ctrl-C\n"
+           "  report            codes, freeze frames, readiness and test results as one\n"
+           "                    HTML page written to --out\n"
            "\n"
            "Options:\n"
            "  --host HOST         adapter address for Wi-Fi (default 127.0.0.1)\n"
@@ -69,6 +75,8 @@ std::string Options::usage()
            "  --period MS         live: sample period (default 1000)\n"
            "  --count N           live: number of samples (default: until interrupted);\n"
            "                      bench: number of exchanges (default 200)\n"
+           "  --out FILE          record: the CSV file; report: the HTML file\n"
+           "  --duration S        record: stop after S seconds\n"
            "  --yes               clear without asking\n"
            "  -v, --verbose       the library's log lines on standard error\n"
            "  -h, --help          this text\n"
@@ -164,6 +172,13 @@ bool Options::parse(const std::vector<std::string>& args)
             if (!valueOf(value) || !number(arg, value, 1, 100000000, n))
                 return false;
             count = static_cast<int>(n);
+        } else if (arg == "--out") {
+            if (!valueOf(outFile))
+                return false;
+        } else if (arg == "--duration") {
+            if (!valueOf(value) || !number(arg, value, 1, 100000000, n))
+                return false;
+            durationS = static_cast<int>(n);
         } else if (arg.size() > 1 && arg[0] == '-' && command != "lookup" && command != "search") {
             m_error = "unknown option " + arg;
             return false;
@@ -191,12 +206,17 @@ bool Options::parse(const std::vector<std::string>& args)
         m_error = "no command given";
         return false;
     }
-    if ((command == "lookup" || command == "search" || command == "live") && arguments.empty()) {
+    if ((command == "record" || command == "report") && outFile.empty()) {
+        m_error = command + " needs --out FILE";
+        return false;
+    }
+    if ((command == "lookup" || command == "search" || command == "live" || command == "record") &&
+        arguments.empty()) {
         m_error = command + " needs at least one argument";
         return false;
     }
     if ((command == "info" || command == "dtc" || command == "clear" || command == "vehicle" ||
-         command == "tests") && !arguments.empty()) {
+         command == "tests" || command == "report") && !arguments.empty()) {
         m_error = command + " takes no arguments";
         return false;
     }

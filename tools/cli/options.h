@@ -37,6 +37,8 @@ public:
     bool noReset;        // open with a warm start instead of ATZ
     int periodMs;
     int count;
+    std::string outFile; // record, report
+    int durationS;       // record: seconds, 0 no limit
 
 private:
     bool number(const std::string& option, const std::string& text, long minimum, long maximum,

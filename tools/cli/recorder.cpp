@@ -1,0 +1,161 @@
+#include "recorder.h"
+
+#include "csvrecorder.h"
+#include "ecu.h"
+#include "livereader.h"
+#include "options.h"
+#include "powertrainparameter.h"
+#include "sensorinfo.h"
+#include "session.h"
+#include "unittable.h"
+#include "powertrain/parameterfactory.h"
+
+#include <chrono>
+#include <cstdio>
+#include <iostream>
+#include <memory>
+#include <thread>
+
+#include <unistd.h>
+
+namespace Cli {
+
+namespace {
+
+std::string ecuText(unsigned int id)
+{
+    char text[16];
+    std::snprintf(text, sizeof text, id > 0xFFF ? "%08X" : "%03X", id);
+    return text;
+}
+
+// One CSV column: a value of a PID as one ECU reports it.
+struct Column
+{
+    unsigned char pid;
+    Obd::EcuPtr ecu;
+    size_t index;
+};
+
+std::string size(unsigned long long bytes)
+{
+    char text[32];
+    if (bytes < 10240)
+        std::snprintf(text, sizeof text, "%llu B", bytes);
+    else if (bytes < 10ull * 1024 * 1024)
+        std::snprintf(text, sizeof text, "%.1f kB", bytes / 1024.0);
+    else
+        std::snprintf(text, sizeof text, "%.1f MB", bytes / (1024.0 * 1024.0));
+    return text;
+}
+
+} // namespace
+
+Recorder::Recorder(Session& session, const Options& options, std::ostream& out, std::ostream& err)
+    : m_session(session)
+    , m_options(options)
+    , m_out(out)
+    , m_err(err)
+    , m_progress(&out == &std::cout && isatty(STDOUT_FILENO))
+{
+}
+
+int Recorder::run(const std::vector<unsigned char>& pids, const std::atomic<bool>& interrupted)
+{
+    const Obd::UnitSystem system = m_options.imperial ? Obd::US_IMPERIAL : Obd::US_METRIC;
+    std::vector<Obd::EcuPtr> ecus;
+    m_session.proxy()->getEcus(ecus);
+    std::vector<Column> columns;
+    std::vector<std::string> header;
+    for (unsigned char pid : pids) {
+        std::unique_ptr<Obd::PowertrainParameter> probe(Obd::ParameterFactory::create(pid));
+        std::vector<Obd::SensorInfo*> infos;
+        probe->getSensorInfos(infos);
+        std::vector<Obd::EcuPtr> owners;
+        for (const Obd::EcuPtr& ecu : ecus) {
+            if (ecu->isSupported(1, pid))
+                owners.push_back(ecu);
+        }
+        // A PID no ECU lists keeps its column, empty, so the file says it was asked for.
+        if (owners.empty() && !ecus.empty())
+            owners.push_back(ecus.front());
+        for (const Obd::EcuPtr& ecu : owners) {
+            for (size_t i = 0; i < std::max<size_t>(1, infos.size()); ++i) {
+                std::string name = infos.size() > 1 ? infos[i]->getName() : probe->getName(*ecu);
+                std::string unit = i < infos.size() ? Obd::unitText(infos[i]->getUnit(system)) : "";
+                header.push_back(name + (unit.empty() ? "" : " [" + unit + "]") + " (ECU " +
+                                 ecuText(ecu->getId()) + ")");
+                columns.push_back(Column{pid, ecu, i});
+            }
+        }
+    }
+    Obd::CsvRecorder file;
+    if (!file.open(m_options.outFile, header)) {
+        m_err << "zarvane-cli: cannot write " << file.error() << "\n";
+        return 1;
+    }
+
+    Obd::LiveReader reader(m_session.proxy(), pids.size() > 1);
+    const auto start = std::chrono::steady_clock::now();
+    const auto period = std::chrono::milliseconds(m_options.periodMs);
+    auto next = start;
+    bool anyValue = false;
+    auto stop = [&] {
+        return interrupted || m_session.isLost() ||
+               (m_options.count > 0 && file.rows() >= static_cast<unsigned long>(m_options.count)) ||
+               (m_options.durationS > 0 &&
+                std::chrono::steady_clock::now() - start >= std::chrono::seconds(m_options.durationS));
+    };
+    while (!stop()) {
+        while (std::chrono::steady_clock::now() < next && !interrupted && !m_session.isLost())
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        if (interrupted || m_session.isLost())
+            break;
+        next += period;
+        const auto when = std::chrono::system_clock::now();
+        // Fresh parameters each time: a value an ECU stopped sending is not repeated.
+        std::vector<std::unique_ptr<Obd::PowertrainParameter>> parameters;
+        std::vector<Obd::LiveReader::Item> items;
+        for (unsigned char pid : pids) {
+            parameters.emplace_back(Obd::ParameterFactory::create(pid));
+            items.emplace_back(pid, parameters.back().get());
+        }
+        const std::vector<bool> good = reader.read(items);
+        std::vector<std::string> cells;
+        for (const Column& column : columns) {
+            size_t item = 0;
+            while (items[item].first != column.pid)
+                ++item;
+            std::vector<std::string> values;
+            if (good[item])
+                parameters[item]->getFormattedValues(*column.ecu, system, values);
+            cells.push_back(column.index < values.size() ? values[column.index] : std::string());
+            anyValue = anyValue || !cells.back().empty();
+        }
+        file.addRow(cells, when);
+        if (m_progress) {
+            const long seconds = static_cast<long>(
+                std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - start).count());
+            char line[128];
+            std::snprintf(line, sizeof line, "\r\033[K%lu samples, %ld:%02ld:%02ld, %s", file.rows(),
+                          seconds / 3600, seconds / 60 % 60, seconds % 60, size(file.bytes()).c_str());
+            m_out << line << std::flush;
+        }
+    }
+    file.close();
+    if (m_progress)
+        m_out << "\n";
+    m_out << file.rows() << " samples written to " << file.path() << "\n";
+    if (!file.error().empty()) {
+        m_err << "zarvane-cli: " << file.error() << "\n";
+        return 1;
+    }
+    if (!anyValue && file.rows() > 0) {
+        if (!m_session.isLost())
+            m_err << "zarvane-cli: could not read any of the requested values\n";
+        return 1;
+    }
+    return 0;
+}
+
+} // namespace Cli

@@ -1,0 +1,227 @@
+#include "reporter.h"
+
+#include "ecu.h"
+#include "imonitortestitem.h"
+#include "iscantool.h"
+#include "obdtransporter.h"
+#include "sensorinfo.h"
+#include "session.h"
+#include "unittable.h"
+#include "parameters/calibrationids.h"
+#include "parameters/monitortestresult.h"
+#include "parameters/pendingtroublecodes.h"
+#include "parameters/storedtroublecodes.h"
+#include "parameters/vehicleidentificationnumber.h"
+#include "powertrain/freezeframetroublecode.h"
+#include "powertrain/monitorstatus.h"
+#include "powertrain/parameterfactory.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <ctime>
+#include <fstream>
+#include <memory>
+#include <set>
+
+namespace Cli {
+
+namespace {
+
+// Remembers which ECUs' answers decoded, for parameters that cannot say.
+template <class Base>
+class Answered : public Base
+{
+public:
+    using Base::Base;
+    bool decode(unsigned int ecuId, const std::vector<unsigned char>& data) override
+    {
+        const bool ok = Base::decode(ecuId, data);
+        if (ok)
+            ecus.insert(ecuId);
+        return ok;
+    }
+    std::set<unsigned int> ecus;
+};
+
+bool answered(const std::vector<unsigned int>& ids, const Obd::Ecu& ecu)
+{
+    return std::find(ids.begin(), ids.end(), ecu.getId()) != ids.end();
+}
+
+std::string hex(unsigned int value, bool wide = false)
+{
+    char text[16];
+    std::snprintf(text, sizeof text, wide ? "%08X" : (value > 0xFF ? "%03X" : "%02X"), value);
+    return text;
+}
+
+std::vector<HtmlReport::Code> codesOf(const Obd::DtcParameter& parameter, const Obd::Ecu& ecu)
+{
+    std::vector<Obd::Dtc> found;
+    parameter.getDtcs(ecu, found);
+    std::vector<HtmlReport::Code> codes;
+    for (const Obd::Dtc& dtc : found)
+        codes.push_back({dtc.getCode(), dtc.getDescription()});
+    return codes;
+}
+
+} // namespace
+
+Reporter::Reporter(Session& session)
+    : m_session(session)
+{
+}
+
+HtmlReport::Data Reporter::read()
+{
+    Obd::IObdProxy* proxy = m_session.proxy();
+    auto execute = [&](Obd::ObdParameter& parameter) {
+        return Obd::ObdTransporter().execute(proxy, &parameter) == Obd::ER_OK;
+    };
+    HtmlReport::Data data;
+    char date[64];
+    const std::time_t now = std::time(nullptr);
+    std::tm local;
+    localtime_r(&now, &local);
+    std::strftime(date, sizeof date, "%Y-%m-%d %H:%M %Z", &local);
+    data.date = date;
+    Obd::IScantool* scantool = m_session.scantool();
+    const Obd::DeviceInfo device = scantool->getDeviceInfo();
+    data.adapter = device.name + (device.version.empty() ? "" : " " + device.version) +
+                   (device.description.empty() ? "" : " (" + device.description + ")");
+    data.protocol = scantool->getProtocolName();
+    const bool can = Obd::isCanProtocol(scantool->getProtocol());
+
+    std::vector<Obd::EcuPtr> ecus;
+    proxy->getEcus(ecus);
+    auto any = [&](unsigned int service, unsigned char number) {
+        return std::any_of(ecus.begin(), ecus.end(),
+                           [&](const Obd::EcuPtr& e) { return e->isSupported(service, number); });
+    };
+    Obd::VehicleIdentificationNumber vin;
+    Obd::CalibrationIds calibrations;
+    Obd::StoredTroubleCodes stored;
+    Obd::PendingTroubleCodes pending;
+    Answered<Obd::MonitorStatus> status;
+    std::vector<unsigned int> vinEcus, calibrationEcus, storedEcus, pendingEcus;
+    if (any(9, 0x02) && execute(vin))
+        vin.getEcuIds(vinEcus);
+    if (any(9, 0x04) && execute(calibrations))
+        calibrations.getEcuIds(calibrationEcus);
+    if (execute(stored))
+        stored.getEcuIds(storedEcus);
+    if (execute(pending))
+        pending.getEcuIds(pendingEcus);
+    if (any(1, 0x01))
+        execute(status);
+
+    for (const Obd::EcuPtr& ecu : ecus) {
+        HtmlReport::Ecu item;
+        item.id = hex(ecu->getId(), ecu->getId() > 0xFFF);
+        item.name = ecu->getShortName() + " - " + ecu->getLongName();
+        if (answered(vinEcus, *ecu) && vin.hasVin(*ecu))
+            item.vin = vin.getVin(*ecu);
+        if (answered(calibrationEcus, *ecu))
+            item.calibrationIds = calibrations.getCalibrationIds(*ecu);
+        item.codesRead = answered(storedEcus, *ecu);
+        if (item.codesRead)
+            item.stored = codesOf(stored, *ecu);
+        item.pendingRead = answered(pendingEcus, *ecu);
+        if (item.pendingRead)
+            item.pending = codesOf(pending, *ecu);
+
+        item.hasStatus = ecu->isSupported(1, 0x01);
+        item.statusRead = status.ecus.count(ecu->getId()) > 0;
+        if (item.statusRead) {
+            item.mil = status.isMilOn(*ecu);
+            item.confirmed = static_cast<int>(status.getDtcCount(*ecu));
+            const bool diesel = status.isCompressionIgnition(*ecu);
+            for (unsigned int id = 0; id <= 15; ++id) {
+                // Monitors 3..9 belong to spark ignition, 10..15 to compression.
+                if ((id >= 3 && id <= 9 && diesel) || (id >= 10 && !diesel))
+                    continue;
+                HtmlReport::MonitorState state = !status.isSupported(*ecu, id) ? HtmlReport::MONITOR_NOT_SUPPORTED
+                                                 : status.isComplete(*ecu, id) ? HtmlReport::MONITOR_COMPLETE
+                                                                               : HtmlReport::MONITOR_INCOMPLETE;
+                item.monitors.push_back({Obd::MonitorStatus::getMonitorName(id), state});
+            }
+        }
+
+        // The frame is there when the ECU lists its code PID under service 02.
+        item.hasFreezeFrame = ecu->isSupported(2, 0x02);
+        if (item.hasFreezeFrame) {
+            Answered<Obd::FreezeFrameTroubleCode> code;
+            item.freezeFrameRead = execute(code) && code.ecus.count(ecu->getId());
+            if (item.freezeFrameRead)
+                item.freezeFrameCode = code.getCode(*ecu);
+            std::vector<unsigned char> pids;
+            ecu->getSupported(2, pids);
+            for (unsigned char pid : pids) {
+                if (!item.freezeFrameRead || pid == 0x02 || pid % 0x20 == 0)
+                    continue;
+                std::unique_ptr<Obd::PowertrainParameter> value(Obd::ParameterFactory::create(pid, 2));
+                if (!value)
+                    continue;
+                std::vector<std::string> texts;
+                if (execute(*value))
+                    value->getFormattedValues(*ecu, Obd::US_METRIC, texts);
+                std::vector<Obd::SensorInfo*> infos;
+                value->getSensorInfos(infos);
+                std::string text;
+                for (size_t i = 0; i < texts.size(); ++i) {
+                    std::string unit = i < infos.size() ? Obd::unitText(infos[i]->getUnit(Obd::US_METRIC)) : "";
+                    text += (i ? ", " : "") + texts[i] + (unit.empty() ? "" : " " + unit);
+                }
+                item.freezeFrame.push_back({value->getName(*ecu), text.empty() ? "could not read" : text});
+            }
+        }
+
+        std::vector<unsigned char> ids;
+        ecu->getSupported(6, ids);
+        ids.erase(std::remove_if(ids.begin(), ids.end(), [](unsigned char id) { return id % 0x20 == 0; }),
+                  ids.end());
+        item.hasTests = !ids.empty();
+        for (unsigned char id : ids) {
+            Obd::MonitorTestResult result(id);
+            std::vector<unsigned int> answeredBy;
+            if (execute(result))
+                result.getEcuIds(answeredBy);
+            if (!answered(answeredBy, *ecu))
+                continue;
+            item.testsRead = true;
+            for (unsigned char mid : result.getMids(*ecu)) {
+                const std::string name = can ? Obd::MonitorTestResult::getMidName(mid) : "TID $" + hex(mid);
+                for (const auto& test : result.getTestItems(*ecu, mid)) {
+                    const std::string unit = Obd::unitText(test->getUnit());
+                    item.tests.push_back({name + " / " + test->getTidName(),
+                                          test->getValueText() + (unit.empty() ? "" : " " + unit),
+                                          test->getMinimumText() + " .. " + test->getMaximumText(),
+                                          test->isPassed()});
+                }
+            }
+        }
+        data.ecus.push_back(item);
+    }
+    return data;
+}
+
+int Reporter::write(const std::string& path, std::ostream& out, std::ostream& err)
+{
+    const HtmlReport::Data data = read();
+    std::ofstream file(path, std::ios::binary | std::ios::trunc);
+    file << HtmlReport::render(data);
+    file.close();
+    if (!file) {
+        err << "zarvane-cli: cannot write " << path << "\n";
+        return 1;
+    }
+    out << "Report written to " << path << "\n";
+    const bool anyRead = std::any_of(data.ecus.begin(), data.ecus.end(), [](const HtmlReport::Ecu& ecu) {
+        return ecu.codesRead || ecu.statusRead;
+    });
+    if (!anyRead && !m_session.isLost())
+        err << "zarvane-cli: could not read the trouble codes or the readiness\n";
+    return anyRead ? 0 : 1;
+}
+
+} // namespace Cli
