@@ -25,6 +25,7 @@ const char* const DOCUMENTS[] = {
     "BluetoothSearchView.qml",
     "DtcSearchView.qml",
     "DtcBrowseView.qml",
+    "LiveDataView.qml",
 };
 const int VIEW_COUNT = sizeof(DOCUMENTS) / sizeof(DOCUMENTS[0]);
 
@@ -46,6 +47,7 @@ NavigationModel::NavigationModel(QObject* parent)
     , m_bluetoothSearchViewModel(nullptr)
     , m_dtcSearchViewModel(nullptr)
     , m_dtcBrowseViewModel(nullptr)
+    , m_liveDataViewModel(nullptr)
 {
 }
 
@@ -119,6 +121,11 @@ void NavigationModel::registerDtcBrowseViewModel(IViewModel* viewModel)
     m_dtcBrowseViewModel = viewModel;
 }
 
+void NavigationModel::registerLiveDataViewModel(IViewModel* viewModel)
+{
+    m_liveDataViewModel = viewModel;
+}
+
 QString NavigationModel::document(View view)
 {
     if (view < 0 || view >= VIEW_COUNT)
@@ -144,6 +151,7 @@ void NavigationModel::buildTable()
         m_bluetoothSearchViewModel,
         m_dtcSearchViewModel,
         m_dtcBrowseViewModel,
+        m_liveDataViewModel,
     };
     static_assert(sizeof(viewModels) / sizeof(viewModels[0]) == VIEW_COUNT, "one view model per view");
     for (int i = 0; i < VIEW_COUNT; ++i)

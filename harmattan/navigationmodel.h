@@ -30,7 +30,8 @@ public:
         SettingsView = 10,
         BluetoothSearchView = 11,
         DtcSearchView = 12,
-        DtcBrowseView = 13
+        DtcBrowseView = 13,
+        LiveDataView = 14
     };
     Q_ENUM(View)
 
@@ -51,6 +52,7 @@ public:
     void registerBluetoothSearchViewModel(IViewModel* viewModel);
     void registerDtcSearchViewModel(IViewModel* viewModel);
     void registerDtcBrowseViewModel(IViewModel* viewModel);
+    void registerLiveDataViewModel(IViewModel* viewModel);
 
     // The QML document of a view; empty for a number outside the table.
     static QString document(View view);
@@ -80,6 +82,7 @@ private:
     IViewModel* m_bluetoothSearchViewModel;
     IViewModel* m_dtcSearchViewModel;
     IViewModel* m_dtcBrowseViewModel;
+    IViewModel* m_liveDataViewModel;
     QVector<Entry> m_table;
 };
 

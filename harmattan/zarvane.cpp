@@ -16,6 +16,7 @@
 #include "viewmodel/dtcviewmodel.h"
 #include "viewmodel/ecuinformationviewmodel.h"
 #include "viewmodel/informationviewmodel.h"
+#include "viewmodel/livedataviewmodel.h"
 #include "viewmodel/pendingdtcviewmodel.h"
 #include "viewmodel/scantoolinformationviewmodel.h"
 #include "viewmodel/storeddtcviewmodel.h"
@@ -59,6 +60,7 @@ Zarvane::Zarvane(QObject* rootObject, QQmlContext* rootContext)
     , m_scantoolInformationViewModel(nullptr)
     , m_ecuInformationViewModel(nullptr)
     , m_dashboardViewModel(nullptr)
+    , m_liveDataViewModel(nullptr)
 {
     // 1-4: navigation, settings, connection manager, main view model.
     m_navigationModel = new NavigationModel(this);
@@ -115,14 +117,21 @@ Zarvane::Zarvane(QObject* rootObject, QQmlContext* rootContext)
     m_navigationModel->registerDashboardViewModel(m_dashboardViewModel);
     publish(m_dashboardViewModel);
 
+    // 18. live data, opened from the main view's header.
+    m_liveDataViewModel = new LiveDataViewModel(m_connectionManager, this);
+    m_navigationModel->registerLiveDataViewModel(m_liveDataViewModel);
+    publish(m_liveDataViewModel);
+
     if (m_rootContext) {
         m_rootContext->setContextProperty("mainViewModel", m_mainViewModel);
         m_rootContext->setContextProperty("applicationVersion", QStringLiteral(ZARVANE_VERSION));
     }
     if (rootObject) {
         QObject* mainView = rootObject->findChild<QObject*>("mainView");
-        if (mainView)
+        if (mainView) {
             m_mainViewModel->setView(mainView);
+            connect(mainView, SIGNAL(liveDataButtonClicked()), this, SLOT(onShowLiveData()));
+        }
         else
             OBD_ERROR << "No main view in the root document";
         m_navigationModel->setRootObject(rootObject);
@@ -138,6 +147,8 @@ Zarvane::~Zarvane()
     // Whatever holds updaters goes before the manager and its proxy.
     delete m_dashboardViewModel;
     m_dashboardViewModel = nullptr;
+    delete m_liveDataViewModel;
+    m_liveDataViewModel = nullptr;
     delete m_dtcDataModel;
     m_dtcDataModel = nullptr;
     // The shared dialog items outlive us only as long as the view does.
@@ -234,6 +245,16 @@ EcuInformationViewModel* Zarvane::ecuInformationViewModel() const
 DashboardViewModel* Zarvane::dashboardViewModel() const
 {
     return m_dashboardViewModel;
+}
+
+LiveDataViewModel* Zarvane::liveDataViewModel() const
+{
+    return m_liveDataViewModel;
+}
+
+void Zarvane::onShowLiveData()
+{
+    m_navigationModel->activateView(NavigationModel::LiveDataView);
 }
 
 } // namespace Harmattan

@@ -22,6 +22,7 @@ class DtcViewModel;
 class EcuInformationViewModel;
 class InformationViewModel;
 class IViewModel;
+class LiveDataViewModel;
 class MainViewModel;
 class NavigationModel;
 class PendingDtcViewModel;
@@ -61,6 +62,10 @@ public:
     ScantoolInformationViewModel* scantoolInformationViewModel() const;
     EcuInformationViewModel* ecuInformationViewModel() const;
     DashboardViewModel* dashboardViewModel() const;
+    LiveDataViewModel* liveDataViewModel() const;
+
+private slots:
+    void onShowLiveData();
 
 private:
     // Publishes a new view model's data before the next one is created.
@@ -84,6 +89,7 @@ private:
     ScantoolInformationViewModel* m_scantoolInformationViewModel;
     EcuInformationViewModel* m_ecuInformationViewModel;
     DashboardViewModel* m_dashboardViewModel;
+    LiveDataViewModel* m_liveDataViewModel;
 };
 
 } // namespace Harmattan

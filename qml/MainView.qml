@@ -10,12 +10,17 @@ ZPage {
     property string buttonIcon
     property bool buttonStatus: true
     property int connectionStatus: 0
+    // A lost link is being opened again, with waits in between.
+    property bool reconnecting: false
+    // Open, but the vehicle behind the adapter has gone quiet.
+    property bool vehicleResponding: true
 
     signal connectionButtonClicked()
     // While opening: give the opening up.
     signal cancelButtonClicked()
     signal settingsButtonClicked()
     signal aboutButtonClicked()
+    signal liveDataButtonClicked()
     signal clicked(int index)
 
     title: "Zarvane"
@@ -23,6 +28,8 @@ ZPage {
 
     readonly property var statusTexts: ["Not connected", "Connecting to the adapter...", "Connected"]
     readonly property var statusColors: [Theme.textDim, Theme.accent, Theme.ok]
+    readonly property bool vehicleQuiet: connectionStatus === 2 && !vehicleResponding
+    readonly property bool waiting: connectionStatus === 1 || reconnecting
 
     header: Rectangle {
         implicitHeight: 88
@@ -67,11 +74,13 @@ ZPage {
                     height: 10
                     radius: 5
                     anchors.verticalCenter: parent.verticalCenter
-                    color: page.statusColors[page.connectionStatus] || Theme.textDim
+                    color: page.reconnecting ? Theme.accent : page.vehicleQuiet ? Theme.danger
+                         : page.statusColors[page.connectionStatus] || Theme.textDim
                 }
                 Text {
                     objectName: "statusText"
-                    text: page.statusTexts[page.connectionStatus] || ""
+                    text: page.reconnecting ? "Reconnecting..." : page.vehicleQuiet ? "Vehicle not responding"
+                        : page.statusTexts[page.connectionStatus] || ""
                     color: Theme.textDim
                     font.pixelSize: Theme.fontSmall
                 }
@@ -85,6 +94,23 @@ ZPage {
             anchors.verticalCenter: parent.verticalCenter
             spacing: 2
 
+            ToolButton {
+                id: liveDataButton
+                objectName: "liveDataButton"
+                width: 52
+                height: 52
+                onClicked: page.liveDataButtonClicked()
+                contentItem: Image {
+                    source: "qrc:///livedata.png"
+                    sourceSize.width: 64
+                    sourceSize.height: 64
+                    fillMode: Image.PreserveAspectFit
+                }
+                background: Rectangle {
+                    radius: width / 2
+                    color: liveDataButton.pressed ? Theme.pressed : "transparent"
+                }
+            }
             ToolButton {
                 id: settingsButton
                 objectName: "settingsButton"
@@ -228,16 +254,19 @@ ZPage {
                 objectName: "busyIndicator"
                 width: 36
                 height: 36
-                running: page.connectionStatus === 1
+                running: page.waiting
                 visible: running
                 palette.dark: Theme.accent
             }
             Text {
+                objectName: "panelText"
                 anchors.verticalCenter: parent.verticalCenter
-                text: page.connectionStatus === 1 ? "Opening the connection, please wait..."
+                text: page.reconnecting ? "Link lost. Reconnecting..."
+                    : page.connectionStatus === 1 ? "Opening the connection, please wait..."
+                    : page.vehicleQuiet ? "Vehicle not responding, still trying..."
                     : page.connectionStatus === 2 ? "Adapter and vehicle are ready"
                     : "Tap below to connect to the adapter"
-                color: page.connectionStatus === 1 ? Theme.accent : Theme.textDim
+                color: page.waiting ? Theme.accent : page.vehicleQuiet ? Theme.danger : Theme.textDim
                 font.pixelSize: Theme.fontSmall
             }
         }
@@ -296,7 +325,7 @@ ZPage {
             anchors.margins: Theme.margin
             width: 132
             height: 64
-            visible: page.connectionStatus === 1
+            visible: page.waiting
             text: "Cancel"
             onClicked: page.cancelButtonClicked()
 

@@ -1,0 +1,159 @@
+#include "livedatalistmodel.h"
+
+#include "iobdproxy.h"
+#include "sensor.h"
+#include "sensorcreator.h"
+#include "sensorvalue.h"
+
+#include <vector>
+
+namespace Harmattan {
+
+LiveDataListModel::LiveDataListModel(QObject* parent)
+    : QAbstractListModel(parent)
+    , m_proxy(nullptr)
+{
+}
+
+LiveDataListModel::~LiveDataListModel()
+{
+    clear();
+}
+
+int LiveDataListModel::rowCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : m_sensors.size();
+}
+
+QVariant LiveDataListModel::data(const QModelIndex& index, int role) const
+{
+    if (!index.isValid() || index.row() >= m_sensors.size())
+        return QVariant();
+    const Obd::Sensor* sensor = m_sensors[index.row()];
+    const QList<Obd::SensorValue*> values = sensor->getValues();
+    switch (role) {
+    case NameRole:
+        return sensor->getTitle();
+    case ValueRole: {
+        // Two-value PIDs read "value unit, value unit"; the unit column stays empty.
+        QStringList texts;
+        for (const Obd::SensorValue* value : values) {
+            const QString text = value->getValue().isEmpty() ? QStringLiteral("-") : value->getValue();
+            texts << (values.size() > 1 ? (text + QLatin1Char(' ') + value->getUnit()).trimmed() : text);
+        }
+        return texts.join(QStringLiteral(", "));
+    }
+    case UnitRole:
+        return values.size() == 1 ? values.first()->getUnit() : QString();
+    case EcuRole:
+        return values.isEmpty() ? QString() : values.first()->getEcuName();
+    case PolledRole:
+        return sensor->isActive();
+    default:
+        return QVariant();
+    }
+}
+
+QHash<int, QByteArray> LiveDataListModel::roleNames() const
+{
+    return { { NameRole, "name" }, { ValueRole, "value" }, { UnitRole, "unit" },
+             { EcuRole, "ecu" }, { PolledRole, "polled" } };
+}
+
+void LiveDataListModel::build(Obd::IObdProxy* proxy, Obd::UnitSystem unitSystem, int intervalMs)
+{
+    beginResetModel();
+    qDeleteAll(m_sensors);
+    m_sensors.clear();
+    m_proxy = proxy;
+    std::vector<Obd::EcuPtr> ecus;
+    if (proxy)
+        proxy->getEcus(ecus);
+    for (const Obd::EcuPtr& ecu : ecus) {
+        std::vector<unsigned char> pids;
+        if (!ecu || !ecu->getSupported(1, pids))
+            continue;
+        for (unsigned char pid : pids) {
+            // The range PIDs only say which others exist.
+            if (pid % 0x20 == 0)
+                continue;
+            Obd::Sensor* sensor = Obd::SensorCreator::createSensor(*ecu, pid);
+            if (!sensor)
+                continue;
+            const int row = m_sensors.size();
+            sensor->setParent(this);
+            sensor->setIndex(row);
+            sensor->setUnitSystem(unitSystem);
+            sensor->setUpdateInterval(intervalMs);
+            connect(sensor, qOverload<int>(&Obd::Sensor::changed), this,
+                    &LiveDataListModel::onSensorChanged);
+            m_sensors.append(sensor);
+        }
+    }
+    endResetModel();
+}
+
+void LiveDataListModel::clear()
+{
+    beginResetModel();
+    qDeleteAll(m_sensors);
+    m_sensors.clear();
+    m_proxy = nullptr;
+    endResetModel();
+}
+
+void LiveDataListModel::detach()
+{
+    m_proxy = nullptr;
+    for (Obd::Sensor* sensor : m_sensors) {
+        sensor->stop();
+        sensor->setProxy(nullptr);
+    }
+    if (!m_sensors.isEmpty())
+        emit dataChanged(index(0), index(m_sensors.size() - 1), { PolledRole });
+}
+
+void LiveDataListModel::setPolled(int row, bool polled)
+{
+    if (row < 0 || row >= m_sensors.size())
+        return;
+    Obd::Sensor* sensor = m_sensors[row];
+    if (polled == sensor->isActive() || (polled && !m_proxy))
+        return;
+    if (polled) {
+        sensor->setProxy(m_proxy);
+        sensor->start();
+    } else {
+        sensor->stop();
+    }
+    emit dataChanged(index(row), index(row), { PolledRole });
+}
+
+void LiveDataListModel::setUnitSystem(Obd::UnitSystem unitSystem)
+{
+    for (Obd::Sensor* sensor : m_sensors)
+        sensor->setUnitSystem(unitSystem);
+    if (!m_sensors.isEmpty())
+        emit dataChanged(index(0), index(m_sensors.size() - 1), { ValueRole, UnitRole });
+}
+
+int LiveDataListModel::polledCount() const
+{
+    int count = 0;
+    for (const Obd::Sensor* sensor : m_sensors)
+        count += sensor->isActive() ? 1 : 0;
+    return count;
+}
+
+Obd::Sensor* LiveDataListModel::sensor(int row) const
+{
+    return row >= 0 && row < m_sensors.size() ? m_sensors[row] : nullptr;
+}
+
+void LiveDataListModel::onSensorChanged(int row)
+{
+    if (row >= 0 && row < m_sensors.size())
+        emit dataChanged(index(row), index(row), { ValueRole, UnitRole });
+}
+
+} // namespace Harmattan

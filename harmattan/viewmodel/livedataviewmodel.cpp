@@ -1,0 +1,126 @@
+#include "livedataviewmodel.h"
+
+#include "connectionmanager.h"
+#include "livedatalistmodel.h"
+
+#include <QQmlContext>
+#include <QSettings>
+#include <QVariant>
+
+namespace Harmattan {
+
+const char* const LiveDataViewModel::KEY_UNIT_SYSTEM = "unitSystem";
+
+LiveDataViewModel::LiveDataViewModel(ConnectionManager* connectionManager, QObject* parent)
+    : QObject(parent)
+    , m_connectionManager(connectionManager)
+    , m_listModel(new LiveDataListModel(this))
+    , m_connected(false)
+    , m_first(-1)
+    , m_last(-1)
+    , m_unitSystem(Obd::US_METRIC)
+{
+    if (QSettings().value(KEY_UNIT_SYSTEM).toInt() == Obd::US_IMPERIAL)
+        m_unitSystem = Obd::US_IMPERIAL;
+    connect(m_connectionManager, &ConnectionManager::connected, this, &LiveDataViewModel::onConnected);
+    connect(m_connectionManager, &ConnectionManager::disconnected, this,
+            &LiveDataViewModel::onDisconnected);
+}
+
+LiveDataViewModel::~LiveDataViewModel()
+{
+    m_listModel->clear();
+}
+
+void LiveDataViewModel::setView(QObject* view)
+{
+    detachView(m_view, this);
+    m_view = view;
+    if (!m_view)
+        return;
+    connect(m_view, &QObject::destroyed, this, &LiveDataViewModel::onViewDestroyed);
+    connect(m_view, SIGNAL(visibleRows(int,int)), this, SLOT(onVisibleRows(int,int)));
+    connect(m_view, SIGNAL(unitToggled()), this, SLOT(onUnitToggled()));
+    // The rows of the last link stay, greyed, until the next one opens.
+    if (m_connected && m_listModel->rowCount() == 0)
+        m_listModel->build(m_connectionManager->proxy(), m_unitSystem, REFRESH_MS);
+    showState();
+    poll();
+}
+
+void LiveDataViewModel::setContext(QQmlContext* context)
+{
+    context->setContextProperty("liveDataListModel", m_listModel);
+}
+
+LiveDataListModel* LiveDataViewModel::listModel() const
+{
+    return m_listModel;
+}
+
+Obd::UnitSystem LiveDataViewModel::unitSystem() const
+{
+    return m_unitSystem;
+}
+
+void LiveDataViewModel::setUnitSystem(Obd::UnitSystem unitSystem)
+{
+    m_unitSystem = unitSystem;
+    QSettings().setValue(KEY_UNIT_SYSTEM, static_cast<int>(unitSystem));
+    m_listModel->setUnitSystem(unitSystem);
+    showState();
+}
+
+void LiveDataViewModel::onConnected()
+{
+    m_connected = true;
+    if (m_view)
+        m_listModel->build(m_connectionManager->proxy(), m_unitSystem, REFRESH_MS);
+    else
+        m_listModel->clear();
+    showState();
+    poll();
+}
+
+void LiveDataViewModel::onDisconnected()
+{
+    m_connected = false;
+    m_listModel->detach();
+    showState();
+}
+
+void LiveDataViewModel::onViewDestroyed()
+{
+    m_view = nullptr;
+    // Nothing is polled without a screen.
+    m_first = m_last = -1;
+    poll();
+}
+
+void LiveDataViewModel::onVisibleRows(int first, int last)
+{
+    m_first = first;
+    m_last = last;
+    poll();
+}
+
+void LiveDataViewModel::poll()
+{
+    for (int row = 0; row < m_listModel->rowCount(); ++row)
+        m_listModel->setPolled(row, m_connected && m_first >= 0 && row >= m_first && row <= m_last);
+}
+
+void LiveDataViewModel::onUnitToggled()
+{
+    setUnitSystem(m_unitSystem == Obd::US_METRIC ? Obd::US_IMPERIAL : Obd::US_METRIC);
+}
+
+void LiveDataViewModel::showState()
+{
+    if (!m_view)
+        return;
+    m_view->setProperty("connectionStatus", m_connected ? 2 : 0);
+    m_view->setProperty("imperial", m_unitSystem == Obd::US_IMPERIAL);
+}
+
+} // namespace Harmattan

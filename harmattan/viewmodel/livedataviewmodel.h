@@ -1,0 +1,59 @@
+#ifndef HARMATTAN_LIVEDATAVIEWMODEL_H
+#define HARMATTAN_LIVEDATAVIEWMODEL_H
+
+#include "iviewmodel.h"
+#include "unitsystem.h"
+
+#include <QObject>
+#include <QPointer>
+
+namespace Harmattan {
+
+class ConnectionManager;
+class LiveDataListModel;
+
+// Live data: every supported PID of every ECU; a row is polled while the
+// list shows it, and the values follow the metric/imperial choice.
+class LiveDataViewModel : public QObject, public IViewModel
+{
+    Q_OBJECT
+
+public:
+    // As fast as the adapter answers: a sensor never has two requests queued.
+    static const int REFRESH_MS = 250;
+    static const char* const KEY_UNIT_SYSTEM;
+
+    explicit LiveDataViewModel(ConnectionManager* connectionManager, QObject* parent = nullptr);
+    ~LiveDataViewModel() override;
+
+    void setView(QObject* view) override;
+    void setContext(QQmlContext* context) override;
+
+    LiveDataListModel* listModel() const;
+    Obd::UnitSystem unitSystem() const;
+    void setUnitSystem(Obd::UnitSystem unitSystem);
+
+public slots:
+    void onConnected();
+    void onDisconnected();
+    void onViewDestroyed();
+    // The list shows rows first..last (-1: none).
+    void onVisibleRows(int first, int last);
+    void onUnitToggled();
+
+private:
+    void showState();
+    void poll();
+
+    QPointer<QObject> m_view;
+    ConnectionManager* m_connectionManager;
+    LiveDataListModel* m_listModel;
+    bool m_connected;
+    int m_first;
+    int m_last;
+    Obd::UnitSystem m_unitSystem;
+};
+
+} // namespace Harmattan
+
+#endif
