@@ -7,8 +7,10 @@
 #include <QFuture>
 #include <QObject>
 #include <QString>
+#include <QTimer>
 
 #include <atomic>
+#include <functional>
 #include <memory>
 
 namespace Obd {
@@ -34,12 +36,29 @@ public:
     static const char* const CONNECTIVITY_LOST;
     static const char* const BLUETOOTH_TURNED_ON;
     static const char* const OPENING_CANCELLED;
+    static const char* const RECONNECTING;
+    static const char* const VEHICLE_NOT_RESPONDING;
+    // How long every request may meet NO DATA or UNABLE TO CONNECT before
+    // the vehicle counts as not responding.
+    static const int SILENCE_LIMIT_MS = 5000;
+
+    // The wait before reconnect attempt n (0 the first): 1, 2, 4, 8 s, then
+    // every 15 s.
+    static int backoffMs(int attempt);
 
     ConnectionManager(Obd::SettingsModel* settings, QObject* parent = nullptr);
     ~ConnectionManager() override;
 
     Q_INVOKABLE bool openConnection();
     Q_INVOKABLE bool isConnected();
+    // Between a lost link and the attempt that opens it again (or Cancel).
+    bool isReconnecting() const { return m_reconnecting; }
+    // Whether a reconnect attempt is waiting for its turn.
+    bool isRetryPending() const { return m_retryTimer.isActive(); }
+    bool isVehicleResponding() const { return m_vehicleResponding; }
+    // Tests: shorter waits than the real schedule, a shorter silence.
+    void setBackoff(const std::function<int(int)>& backoff) { m_backoff = backoff; }
+    void setSilenceLimitMs(int ms) { m_silenceLimitMs = ms; }
     Obd::IObdProxy* proxy();
     // The adapter the settings point at.
     Obd::AdapterAddress adapterAddress() const;
@@ -54,19 +73,34 @@ signals:
     void connected();
     void failed(QString reason);
     void disconnected();
+    // A lost link is being opened again (true) until it is or the user gives up.
+    void reconnectingChanged(bool reconnecting);
+    // The adapter answers but the vehicle behind it does not (false), or again.
+    void vehicleRespondingChanged(bool responding);
 
 public slots:
     void closeConnection();
     // Gives up an opening under way: it fails with OPENING_CANCELLED as soon
-    // as its current step lets go. Nothing happens to an open link.
+    // as its current step lets go; reconnecting stops. Nothing happens to an
+    // open link.
     void cancelOpening();
     void onHostModeStateChanged(QBluetoothLocalDevice::HostMode state);
     // Runs on a pool thread.
     void openThread();
 
 private:
+    friend class WatchingScantool;
+
     void startOpenThread();
     void failOpening(const QString& reason);
+    // Our thread: the outcome of the opening that just ended (empty: open).
+    void finishOpening(QString reason);
+    void closeLink();
+    void startReconnecting();
+    // Ends reconnecting; an attempt under way is given up.
+    void stopReconnecting();
+    void onRetryTimer();
+    void setVehicleResponding(bool responding);
 
     // Made on our thread before each opening, so that cancelOpening() never
     // meets one being deleted.
@@ -78,6 +112,15 @@ private:
     bool m_awaitingBluetooth;
     // Only so that destruction can wait for an opening still under way.
     QFuture<void> m_opening;
+
+    QTimer m_retryTimer;
+    std::function<int(int)> m_backoff;
+    int m_attempt;
+    bool m_reconnecting;
+    // The attempt under way was given up: an opening it makes is closed again.
+    bool m_attemptAbandoned;
+    bool m_vehicleResponding;
+    std::atomic<int> m_silenceLimitMs;
 };
 
 } // namespace Harmattan

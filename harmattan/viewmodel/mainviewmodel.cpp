@@ -32,6 +32,10 @@ MainViewModel::MainViewModel(NavigationModel* navigationModel,
     connect(m_connectionManager, &ConnectionManager::failed, this, &MainViewModel::onFailed);
     connect(m_connectionManager, &ConnectionManager::disconnected, this,
             &MainViewModel::onDisconnected);
+    connect(m_connectionManager, &ConnectionManager::reconnectingChanged, this,
+            [this](bool reconnecting) { setViewProperty("reconnecting", reconnecting); });
+    connect(m_connectionManager, &ConnectionManager::vehicleRespondingChanged, this,
+            [this](bool responding) { setViewProperty("vehicleResponding", responding); });
 }
 
 void MainViewModel::setContext(QQmlContext* context)
@@ -48,7 +52,10 @@ void MainViewModel::setView(QObject* view)
     setViewProperty("avatarImage", QStringLiteral("qrc:///avatar.png"));
     setViewProperty("buttonText", QString::fromLatin1(OPEN_CONNECTION));
     setViewProperty("buttonIcon", QStringLiteral("qrc:///link.png"));
+    setViewProperty("reconnecting", m_connectionManager->isReconnecting());
+    setViewProperty("vehicleResponding", m_connectionManager->isVehicleResponding());
     connect(m_view, SIGNAL(connectionButtonClicked()), this, SLOT(onConnectionButtonClicked()));
+    connect(m_view, SIGNAL(cancelButtonClicked()), m_connectionManager, SLOT(cancelOpening()));
     connect(m_view, SIGNAL(settingsButtonClicked()), this, SLOT(onShowSettingsPage()));
     connect(m_view, SIGNAL(aboutButtonClicked()), this, SLOT(onAboutButtonClicked()));
     connect(m_view, SIGNAL(clicked(int)), this, SLOT(onSelected(int)));
@@ -95,6 +102,7 @@ void MainViewModel::onConnected()
 {
     OBD_DEBUG << "onConnected";
     setViewProperty("connectionStatus", CS_OPEN);
+    setViewProperty("vehicleResponding", m_connectionManager->isVehicleResponding());
     setViewProperty("buttonText", QString::fromLatin1(CLOSE_CONNECTION));
     setViewProperty("buttonStatus", true);
 }

@@ -31,6 +31,7 @@ Options::Options()
     , help(false)
     , verbose(false)
     , noReset(false)
+    , reconnect(false)
     , periodMs(1000)
     , count(-1)
     , durationS(0)
@@ -70,6 +71,8 @@ std::string Options::usage()
            "  --baud N|auto       serial: baud rate (default 38400); auto tries 38400, 9600,\n"
            "                      115200, 230400 and 500000\n"
            "  --no-reset          open without ATZ (for adapters that drop the link on it)\n"
+           "  --reconnect         live: when the link is lost, open it again (after\n"
+           "                      1, 2, 4, 8, then every 15 s) and go on\n"
            "  --json              machine-readable output\n"
            "  --imperial          imperial units for live values\n"
            "  --period MS         live: sample period (default 1000)\n"
@@ -131,6 +134,8 @@ bool Options::parse(const std::vector<std::string>& args)
             verbose = true;
         } else if (arg == "--no-reset") {
             noReset = true;
+        } else if (arg == "--reconnect") {
+            reconnect = true;
         } else if (arg == "--imperial") {
             imperial = true;
         } else if (arg == "--yes" || arg == "-y") {

@@ -1,6 +1,10 @@
 #include "session.h"
 #include "iconnection.h"
 #include "options.h"
+#include "trlog.h"
+
+#include <chrono>
+#include <thread>
 
 namespace Cli {
 
@@ -104,6 +108,34 @@ Session::Status Session::open(const Options& options,
         why = "the vehicle did not answer (is the ignition on?)";
         return SS_NOT_REACHED;
     }
+}
+
+int Session::backoffMs(int attempt)
+{
+    static const int DOUBLING[] = { 1000, 2000, 4000, 8000 };
+    return attempt >= 0 && attempt < 4 ? DOUBLING[attempt] : 15000;
+}
+
+bool Session::reopen(const Options& options, const std::atomic<bool>& stop)
+{
+    m_open = false;
+    m_link.close();
+    for (int attempt = 0; !stop; ++attempt) {
+        const auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(backoffMs(attempt));
+        while (!stop && std::chrono::steady_clock::now() < until)
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        if (stop)
+            break;
+        std::string why;
+        const Status status = open(options, [](const std::string&) {}, why);
+        if (status == SS_OK)
+            return true;
+        OBD_INFO << "reopening attempt " << attempt + 1 << ": " << why;
+        if (status == SS_CANCELLED)
+            break;
+        m_link.close();
+    }
+    return false;
 }
 
 void Session::close()
