@@ -1,5 +1,4 @@
 #include "connectionmanager.h"
-#include "elmsimserver.h"
 #include "iobdproxy.h"
 #include "logcapture.h"
 #include "settingsmodel.h"
@@ -7,258 +6,156 @@
 #include "zarvane.h"
 
 #include <QBluetoothLocalDevice>
-#include <QMetaObject>
 
 #include <gtest/gtest.h>
 
-#include <memory>
+#include <functional>
 
 using Harmattan::ConnectionManager;
 
 namespace {
 
-const int CONNECT_WAIT_MS = 20000;
+const char* const FAILED_TO_CONNECT
+    = "Failed to connect. Check hardware attachment, and turn the ignition to ON position.";
 
-class ConnectionTest : public UiTest
+class ConnectionTest : public SimUiTest
 {
 protected:
-    void TearDown() override
-    {
-        ui.reset();
-        if (sim)
-            sim->stop();
-        sim.reset();
-    }
+    ConnectionManager* manager() const { return ui->app()->connectionManager(); }
+    bool tapConnectionButton() { return ui->tap(ui->mainView(), "connectionButton"); }
+    QString statusText() const { return ui->text(ui->mainView(), "statusText"); }
 
-    ElmSim::ServerOptions simOptions(const std::string& profile = "can11")
+    // The button is back and nothing is open.
+    void expectClosed()
     {
-        ElmSim::ServerOptions options;
-        options.port = 0;
-        options.profile = profile;
-        options.resetDelayMs = 50;
-        options.searchDelayMs = 100;
-        return options;
-    }
-
-    void startSim(const ElmSim::ServerOptions& options)
-    {
-        sim.reset(new ElmSim::ElmSimServer(options));
-        ASSERT_TRUE(sim->start()) << sim->errorString();
-        useWifi(QString::number(sim->port()));
-    }
-
-    void useWifi(const QString& port)
-    {
-        Obd::SettingsModel* settings = ui->app()->settingsModel();
-        settings->setConnectionMethod(1);
-        settings->setIpAddress("127.0.0.1");
-        settings->setIpPort(port);
-    }
-
-    void clickConnectionButton()
-    {
-        QMetaObject::invokeMethod(ui->mainView(), "connectionButtonClicked");
-    }
-
-    int status() const { return ui->mainProperty("connectionStatus").toInt(); }
-
-    // Opens and expects failure with reason; the button must come back.
-    void expectFailure(const char* reason)
-    {
-        QString failure;
-        QObject::connect(ui->app()->connectionManager(), &ConnectionManager::failed,
-                         [&](const QString& text) { failure = text; });
-        clickConnectionButton();
-        EXPECT_EQ(status(), 1);
-        EXPECT_FALSE(ui->mainProperty("buttonStatus").toBool());
-        ASSERT_TRUE(waitUntil([&] { return !failure.isEmpty(); }, CONNECT_WAIT_MS))
-            << "no failure reported";
-        EXPECT_EQ(failure, reason);
-        ASSERT_TRUE(waitUntil([&] { return status() == 0; }, 2000));
-        EXPECT_EQ(ui->banner()->property("text").toString(), reason);
-        EXPECT_EQ(ui->banner()->property("timeout").toInt(), 5000);
+        EXPECT_EQ(mainStatus(), 0);
+        EXPECT_EQ(statusText(), "Not connected");
         EXPECT_EQ(ui->mainProperty("buttonText").toString(), "Open connection");
         EXPECT_TRUE(ui->mainProperty("buttonStatus").toBool());
-        EXPECT_FALSE(ui->app()->connectionManager()->isConnected());
+        EXPECT_FALSE(manager()->isConnected());
     }
-
-    std::unique_ptr<ElmSim::ElmSimServer> sim;
 };
 
 } // namespace
 
-TEST_F(ConnectionTest, ButtonCycleAgainstTheSimulator)
+TEST_F(ConnectionTest, TheButtonOpensAndClosesTheConnectionAgainAndAgain)
 {
-    startSim(simOptions());
-    ConnectionManager* manager = ui->app()->connectionManager();
-
-    clickConnectionButton();
-    EXPECT_EQ(status(), 1);
-    EXPECT_FALSE(ui->mainProperty("buttonStatus").toBool());
-    EXPECT_EQ(ui->mainProperty("buttonText").toString(), "Open connection");
-    EXPECT_TRUE(ui->mainView()->findChild<QObject*>("busyIndicator")->property("running").toBool());
-
-    ASSERT_TRUE(waitUntil([&] { return status() == 2; }, CONNECT_WAIT_MS))
-        << LogCapture::instance().dump();
-    EXPECT_EQ(ui->mainProperty("buttonText").toString(), "Close connection");
-    EXPECT_TRUE(ui->mainProperty("buttonStatus").toBool());
-    EXPECT_TRUE(manager->isConnected());
-    EXPECT_TRUE(manager->proxy()->isInitialized());
-    EXPECT_NE(manager->proxy()->getFirstEcu(), nullptr) << "discovery found no ECU";
-    EXPECT_TRUE(ui->screenshot("main_connected"));
-    EXPECT_FALSE(ui->mainView()->findChild<QObject*>("busyIndicator")->property("running").toBool());
-
+    startSim();
     int disconnects = 0;
-    QObject::connect(manager, &ConnectionManager::disconnected, [&] { ++disconnects; });
-    clickConnectionButton();
-    EXPECT_EQ(disconnects, 1);
-    EXPECT_EQ(status(), 0);
-    EXPECT_EQ(ui->mainProperty("buttonText").toString(), "Open connection");
-    EXPECT_TRUE(ui->mainProperty("buttonStatus").toBool());
-    EXPECT_FALSE(manager->isConnected());
-    EXPECT_FALSE(manager->proxy()->isInitialized());
-
-    // The same proxy serves the next connection.
-    clickConnectionButton();
-    ASSERT_TRUE(waitUntil([&] { return status() == 2; }, CONNECT_WAIT_MS));
-    clickConnectionButton();
-    EXPECT_EQ(status(), 0);
-}
-
-TEST_F(ConnectionTest, TappingTheButtonConnectsAndDisconnects)
-{
-    startSim(simOptions());
-    ASSERT_TRUE(ui->click(ui->mainView(), "connectionButton"));
-    EXPECT_EQ(status(), 1);
-    ASSERT_TRUE(waitUntil([&] { return status() == 2; }, CONNECT_WAIT_MS));
-    ASSERT_TRUE(ui->click(ui->mainView(), "connectionButton"));
-    EXPECT_EQ(status(), 0);
-    EXPECT_FALSE(ui->app()->connectionManager()->isConnected());
-}
-
-TEST_F(ConnectionTest, ClosingTheApplicationWhileOpening)
-{
-    ElmSim::ServerOptions options = simOptions();
-    options.resetDelayMs = 1500;
-    startSim(options);
-    clickConnectionButton();
-    EXPECT_EQ(status(), 1);
-    spin(200);
-    ui.reset();
-    SUCCEED() << "the opening thread finished before the objects went";
-}
-
-TEST_F(ConnectionTest, NothingListeningOnThePort)
-{
-    sim.reset(new ElmSim::ElmSimServer(simOptions()));
-    ASSERT_TRUE(sim->start());
-    const unsigned short port = sim->port();
-    sim->stop();
-    sim.reset();
-    useWifi(QString::number(port));
-    expectFailure("Failed to connect. Check hardware attachment, and turn the ignition to ON position.");
-}
-
-TEST_F(ConnectionTest, PortTextThatIsNotANumber)
-{
-    startSim(simOptions());
-    useWifi("abc");
-    expectFailure("Failed to connect. Check hardware attachment, and turn the ignition to ON position.");
-}
-
-TEST_F(ConnectionTest, HostThatDoesNotResolve)
-{
-    startSim(simOptions());
-    Obd::SettingsModel* settings = ui->app()->settingsModel();
-    settings->setIpAddress("no-such-host.invalid");
-    expectFailure("Failed to connect. Check hardware attachment, and turn the ignition to ON position.");
-}
-
-TEST_F(ConnectionTest, AdapterThatDoesNotIdentify)
-{
-    ElmSim::ServerOptions options = simOptions();
-    options.identify = false;
-    startSim(options);
-    expectFailure("Failed to identify interface");
-}
-
-TEST_F(ConnectionTest, VehicleThatDoesNotAnswer)
-{
-    startSim(simOptions("none"));
-    expectFailure("Failed to initialize communication");
-}
-
-TEST_F(ConnectionTest, LinkLostDuringDiscovery)
-{
-    // Dropped after the ECUs were found: discovery itself carries on, so
-    // only the link's own state tells the opening failed.
-    ElmSim::ServerOptions options = simOptions();
-    options.dropAfter = 4;
-    startSim(options);
-    expectFailure("Failed to initialize communication");
-    // The next connection works.
-    sim->setDropAfter(-1);
-    clickConnectionButton();
-    ASSERT_TRUE(waitUntil([&] { return status() == 2; }, CONNECT_WAIT_MS));
-}
-
-TEST_F(ConnectionTest, LinkLossWhileConnected)
-{
-    startSim(simOptions());
-    ConnectionManager* manager = ui->app()->connectionManager();
-    clickConnectionButton();
-    ASSERT_TRUE(waitUntil([&] { return status() == 2; }, CONNECT_WAIT_MS));
-
-    int disconnects = 0;
-    QObject::connect(manager, &ConnectionManager::disconnected, [&] { ++disconnects; });
-    sim->dropNow();
-    ASSERT_TRUE(waitUntil([&] { return status() == 0; }, 10000)) << "the loss was not noticed";
-    EXPECT_EQ(disconnects, 1);
-    EXPECT_FALSE(manager->isConnected());
-    EXPECT_EQ(ui->mainProperty("buttonText").toString(), "Open connection");
-    EXPECT_TRUE(ui->mainProperty("buttonStatus").toBool());
-    EXPECT_EQ(ui->banner()->property("text").toString(), "Connectivity suddenly lost");
-    EXPECT_EQ(ui->banner()->property("timeout").toInt(), 4000);
-    EXPECT_TRUE(ui->banner()->property("shown").toBool());
-}
-
-TEST_F(ConnectionTest, ClosingWhenNothingIsOpenDoesNothing)
-{
-    ConnectionManager* manager = ui->app()->connectionManager();
-    int disconnects = 0;
-    QObject::connect(manager, &ConnectionManager::disconnected, [&] { ++disconnects; });
-    manager->closeConnection();
-    spin(50);
-    EXPECT_EQ(disconnects, 0);
-    EXPECT_FALSE(manager->isConnected());
-}
-
-TEST_F(ConnectionTest, LossReportWhileClosedIsIgnored)
-{
-    ConnectionManager* manager = ui->app()->connectionManager();
-    int disconnects = 0;
-    QObject::connect(manager, &ConnectionManager::disconnected, [&] { ++disconnects; });
-    manager->onDisconnected();
-    spin(100);
-    EXPECT_EQ(disconnects, 0);
+    QObject::connect(manager(), &ConnectionManager::disconnected, [&] { ++disconnects; });
+    // Reports while nothing is open change nothing.
+    manager()->closeConnection();
+    manager()->onDisconnected();
+    deliverPosted();
     EXPECT_FALSE(ui->banner()->property("shown").toBool());
+    for (int round = 1; round <= 2; ++round) {
+        SCOPED_TRACE(round == 1 ? "first connection" : "the same proxy serving the next one");
+        ASSERT_TRUE(tapConnectionButton());
+        EXPECT_EQ(statusText(), "Connecting to the adapter...");
+        EXPECT_FALSE(ui->mainProperty("buttonStatus").toBool());
+        ASSERT_TRUE(waitUntil([&] { return mainStatus() == 2; }, CONNECT_WAIT_MS))
+            << LogCapture::instance().dump();
+        EXPECT_EQ(statusText(), "Connected");
+        EXPECT_EQ(ui->mainProperty("buttonText").toString(), "Close connection");
+        EXPECT_TRUE(ui->mainProperty("buttonStatus").toBool());
+        EXPECT_NE(manager()->proxy()->getFirstEcu(), nullptr) << "discovery found no ECU";
+        ui->picture("main_connected");
+
+        ASSERT_TRUE(tapConnectionButton());
+        EXPECT_EQ(disconnects, round);
+        expectClosed();
+    }
 }
 
-TEST_F(ConnectionTest, InvalidSettingsAreNotOpened)
+// Each failure names its reason on the banner and gives the button back;
+// the rows run one after another, so each also shows the previous one left
+// nothing behind.
+TEST_F(ConnectionTest, FailedOpeningShowsTheReasonAndGivesTheButtonBack)
 {
-    useWifi("0");
-    EXPECT_FALSE(ui->app()->connectionManager()->openConnection());
-    ui->app()->settingsModel()->setConnectionMethod(2);
-    EXPECT_FALSE(ui->app()->connectionManager()->openConnection());
+    struct Row { const char* name; std::function<void()> setUp; const char* reason; };
+    std::vector<Row> rows = {
+        { "nothing listening on the port", [&] { startSim(); sim->stop(); }, FAILED_TO_CONNECT },
+        { "port text that is not a number",
+          [&] { startSim(); ui->app()->settingsModel()->setIpPort("abc"); }, FAILED_TO_CONNECT },
+        { "host that does not resolve",
+          [&] { startSim(); ui->app()->settingsModel()->setIpAddress("no-such-host.invalid"); },
+          FAILED_TO_CONNECT },
+        { "adapter that does not identify",
+          [&] { ElmSim::ServerOptions quiet = options(); quiet.identify = false; startSim(quiet); },
+          "Failed to identify interface" },
+        { "vehicle that does not answer", [&] { startSim(options("none")); },
+          "Failed to initialize communication" },
+        // Dropped after the ECUs were found: discovery itself carries on, so
+        // only the link's own state tells the opening failed.
+        { "link lost during discovery",
+          [&] { ElmSim::ServerOptions dropping = options(); dropping.dropAfter = 4; startSim(dropping); },
+          "Failed to initialize communication" },
+    };
+    // A machine with Bluetooth would look for the device, or wait for it to be switched on.
+    if (!QBluetoothLocalDevice().isValid())
+        rows.push_back({ "Bluetooth where the machine has none",
+                         [&] { Obd::SettingsModel* settings = ui->app()->settingsModel();
+                               settings->setConnectionMethod(0);
+                               settings->setBluetoothDeviceName("OBDII");
+                               settings->setBluetoothDeviceAddress("00:1D:A5:00:11:22"); },
+                         FAILED_TO_CONNECT });
+    QString failure;
+    QObject::connect(manager(), &ConnectionManager::failed, [&](const QString& text) { failure = text; });
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        failure.clear();
+        row.setUp();
+        ASSERT_TRUE(tapConnectionButton());
+        ASSERT_TRUE(waitUntil([&] { return !failure.isEmpty(); }, CONNECT_WAIT_MS)) << "no failure reported";
+        EXPECT_EQ(failure, row.reason);
+        ASSERT_TRUE(waitUntil([&] { return mainStatus() == 0; }, 2000));
+        EXPECT_EQ(ui->banner()->property("text").toString(), row.reason);
+        EXPECT_EQ(ui->banner()->property("timeout").toInt(), 5000);
+        expectClosed();
+    }
+    // Back on Wi-Fi to the adapter, now behaving: the next connection works.
+    sim->setDropAfter(-1);
+    ui->app()->settingsModel()->setConnectionMethod(1);
+    ASSERT_TRUE(tapConnectionButton());
+    EXPECT_TRUE(waitUntil([&] { return mainStatus() == 2; }, CONNECT_WAIT_MS));
 }
 
-TEST_F(ConnectionTest, BluetoothWithoutAnyAdapterFailsToConnect)
+TEST_F(ConnectionTest, InvalidSettingsAreNotOpenedAndTheSettingsScreenOpens)
 {
-    if (QBluetoothLocalDevice().isValid())
-        GTEST_SKIP() << "this machine has a working Bluetooth adapter";
-    Obd::SettingsModel* settings = ui->app()->settingsModel();
-    settings->setConnectionMethod(0);
-    settings->setBluetoothDeviceName("OBDII");
-    settings->setBluetoothDeviceAddress("00:1D:A5:00:11:22");
-    expectFailure("Failed to connect. Check hardware attachment, and turn the ignition to ON position.");
+    struct Row { const char* name; int method; const char* address; const char* port; };
+    const Row rows[] = {
+        { "Wi-Fi address never set", 1, "0.0.0.0", "35000" },
+        { "unknown method", 7, "192.168.0.10", "35000" },
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        ui->app()->settingsModel()->setConnectionMethod(row.method);
+        ui->app()->settingsModel()->setIpAddress(row.address);
+        ui->app()->settingsModel()->setIpPort(row.port);
+        ASSERT_TRUE(tapConnectionButton());
+        EXPECT_EQ(ui->banner()->property("text").toString(), "Check connection settings!");
+        ASSERT_TRUE(ui->settle());
+        EXPECT_EQ(ui->currentPage()->property("title").toString(), "Settings");
+        ui->back();
+        expectClosed();
+        EXPECT_FALSE(manager()->openConnection());
+    }
+}
+
+TEST_F(ConnectionTest, ClosingTheApplicationWhileOpeningReleasesTheAdapter)
+{
+    ElmSim::ServerOptions slowBoot = options();
+    slowBoot.resetDelayMs = 500;
+    startSim(slowBoot);
+    // In flight: the adapter has the reset and takes its time.
+    ASSERT_TRUE(tapConnectionButton());
+    ASSERT_TRUE(waitUntil([&] { return !sim->requestLog().empty(); }, CONNECT_WAIT_MS));
+    ui.reset();
+
+    // The adapter serves one client at a time: a restart only connects
+    // once the first link is gone.
+    ui.reset(new UiHarness());
+    ASSERT_TRUE(ui->loaded());
+    ASSERT_TRUE(tapConnectionButton());
+    EXPECT_TRUE(waitUntil([&] { return mainStatus() == 2; }, CONNECT_WAIT_MS));
 }

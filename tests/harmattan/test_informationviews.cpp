@@ -2,13 +2,14 @@
 #include "infolistviewdatamodel.h"
 #include "iobdproxy.h"
 #include "navigationmodel.h"
-#include "simuitest.h"
+#include "uiharness.h"
 #include "viewmodel/ecuinformationviewmodel.h"
 #include "viewmodel/scantoolinformationviewmodel.h"
 #include "zarvane.h"
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <utility>
 #include <vector>
 
@@ -32,71 +33,57 @@ Rows rowsOf(const Obd::InfoListViewDataModel* model)
 
 } // namespace
 
-TEST_F(InformationViewTest, ScantoolScreenShowsWhatTheAdapterSaid)
+TEST_F(InformationViewTest, ScreensShowWhatTheAdapterAndTheFirstEcuSaidWhileConnected)
 {
+    struct Row
+    {
+        const char *name, *chooserRow;
+        int view;
+        Obd::InfoListViewDataModel* list;
+        std::function<Rows()> expected;
+    };
+    const Row rows[] = {
+        { "scantool", "scantoolRow", NavigationModel::ScantoolInformationView,
+          ui->app()->scantoolInformationViewModel()->listModel(),
+          [] { return Rows{ {"Scantool", "ELM327"}, {"Manufacturer", "OBDII to RS232 Interpreter"},
+                            {"Version", "v1.5"} }; } },
+        { "first ECU", "ecuRow", NavigationModel::EcuInformationView,
+          ui->app()->ecuInformationViewModel()->listModel(),
+          [&] { Obd::EcuPtr first = ui->app()->connectionManager()->proxy()->getFirstEcu();
+                EXPECT_EQ(first->getId(), 0x7E8u);
+                return Rows{ {"OBD Standard", QString::fromStdString(first->getObdStandardText())},
+                             {"Protocol", QString::fromStdString(first->getProtocolName())},
+                             {"Name", QString::fromStdString(first->getShortName())},
+                             {"Description", QString::fromStdString(first->getLongName())} }; } },
+    };
+    QObject* chooser = ui->open(NavigationModel::InformationView);
+    EXPECT_EQ(ui->text(chooser, "statusText"), "Not connected: open the connection to read this information.");
+    // Connected while the chooser is open.
     ASSERT_TRUE(connectToSim());
-    QObject* chooser = open(NavigationModel::InformationView);
-    ASSERT_EQ(chooser->objectName(), "informationView");
-    EXPECT_EQ(chooser->property("image").toString(), "qrc:///information.png");
-    EXPECT_EQ(chooser->property("connectionStatus").toInt(), 2);
-    EXPECT_TRUE(ui->screenshot("information"));
+    EXPECT_EQ(ui->text(chooser, "statusText"), "Connected to the adapter and the vehicle");
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        ASSERT_TRUE(ui->tap(chooser, row.chooserRow));
+        ASSERT_TRUE(ui->settle());
+        QObject* page = ui->currentPage();
+        const Rows expected = row.expected();
+        EXPECT_EQ(rowsOf(row.list), expected);
+        EXPECT_EQ(page->findChild<QObject*>("infoList")->property("count").toInt(), int(expected.size()));
+        EXPECT_FALSE(page->findChild<QObject*>("emptyText")->property("visible").toBool());
+        ui->picture(QString("information_") + row.chooserRow);
+        // Reopened, each row once.
+        ui->back();
+        ui->open(row.view);
+        EXPECT_EQ(rowsOf(row.list), expected);
+        ui->back();
+    }
 
-    ASSERT_TRUE(ui->click(chooser, "scantoolRow"));
-    ui->settle();
-    QObject* page = ui->currentPage();
-    ASSERT_EQ(page->objectName(), "scantoolInformationView");
-    const Rows expected = {{"Scantool", "ELM327"},
-                           {"Manufacturer", "OBDII to RS232 Interpreter"},
-                           {"Version", "v1.5"}};
-    Obd::InfoListViewDataModel* list = ui->app()->scantoolInformationViewModel()->listModel();
-    EXPECT_EQ(rowsOf(list), expected);
-    EXPECT_EQ(page->property("listModelCount").toInt(), 3);
-    EXPECT_TRUE(ui->screenshot("information_scantool"));
-
-    // Reopened, each row once.
-    ui->back();
-    open(NavigationModel::ScantoolInformationView);
-    EXPECT_EQ(rowsOf(list), expected);
-}
-
-TEST_F(InformationViewTest, EcuScreenShowsTheFirstEcu)
-{
-    ASSERT_TRUE(connectToSim());
-    Obd::EcuPtr first = ui->app()->connectionManager()->proxy()->getFirstEcu();
-    ASSERT_TRUE(first);
-    EXPECT_EQ(first->getId(), sim->profile().ecus.front().id);
-    EXPECT_EQ(first->getId(), 0x7E8u);
-
-    QObject* chooser = open(NavigationModel::InformationView);
-    ASSERT_TRUE(ui->click(chooser, "ecuRow"));
-    ui->settle();
-    QObject* page = ui->currentPage();
-    ASSERT_EQ(page->objectName(), "ecuInformationView");
-    const Rows expected = {{"OBD Standard", QString::fromStdString(first->getObdStandardText())},
-                           {"Protocol", QString::fromStdString(first->getProtocolName())},
-                           {"Name", QString::fromStdString(first->getShortName())},
-                           {"Description", QString::fromStdString(first->getLongName())}};
-    Obd::InfoListViewDataModel* list = ui->app()->ecuInformationViewModel()->listModel();
-    EXPECT_EQ(rowsOf(list), expected);
-    EXPECT_FALSE(expected[1].second.isEmpty());
-    EXPECT_EQ(page->property("listModelCount").toInt(), 4);
-    EXPECT_TRUE(ui->screenshot("information_ecu"));
-
+    // The link goes: the open list empties and says so.
+    QObject* page = ui->open(NavigationModel::EcuInformationView);
     sim->dropNow();
     ASSERT_TRUE(waitUntil([&] { return page->property("connectionStatus").toInt() == 0; }, READ_WAIT_MS));
-    EXPECT_EQ(list->rowCount(), 0);
-    EXPECT_EQ(page->property("listModelCount").toInt(), 0);
-}
-
-TEST_F(InformationViewTest, WithoutConnectionTheListsAreEmpty)
-{
-    QObject* chooser = open(NavigationModel::InformationView);
-    EXPECT_EQ(chooser->property("connectionStatus").toInt(), 0);
-    open(NavigationModel::ScantoolInformationView);
-    EXPECT_EQ(ui->app()->scantoolInformationViewModel()->listModel()->rowCount(), 0);
-    EXPECT_EQ(ui->currentPage()->property("listModelCount").toInt(), 0);
-    ui->back();
-    open(NavigationModel::EcuInformationView);
-    EXPECT_EQ(ui->app()->ecuInformationViewModel()->listModel()->rowCount(), 0);
-    EXPECT_TRUE(ui->screenshot("information_ecu_closed"));
+    ASSERT_TRUE(ui->settle());
+    EXPECT_EQ(rows[1].list->rowCount(), 0);
+    EXPECT_EQ(page->findChild<QObject*>("infoList")->property("count").toInt(), 0);
+    EXPECT_EQ(ui->text(page, "emptyText"), "Not connected: open the connection first.");
 }

@@ -1,49 +1,36 @@
 #include "uiharness.h"
 
+#include "connectionmanager.h"
 #include "logcapture.h"
+#include "navigationmodel.h"
+#include "settingsmodel.h"
 #include "zarvane.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QDir>
-#include <QImage>
-#include <QMetaObject>
 #include <QMouseEvent>
-#include <QQmlContext>
+#include <QQmlProperty>
 #include <QQuickItem>
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QThread>
-
-#include <gtest/gtest.h>
 
 namespace {
 
 // Sends every QSettings of the test process to a temporary store.
 class SettingsStoreEnvironment : public ::testing::Environment
 {
-public:
     void SetUp() override
     {
-        m_dir.reset(new QTemporaryDir());
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, m_dir->path());
-        QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, m_dir->path());
-        s_path = m_dir->path();
+        for (QSettings::Format format : { QSettings::NativeFormat, QSettings::IniFormat })
+            QSettings::setPath(format, QSettings::UserScope, m_dir.path());
     }
-    void TearDown() override { m_dir.reset(); }
-
-    static QString s_path;
-
-private:
-    std::unique_ptr<QTemporaryDir> m_dir;
+    QTemporaryDir m_dir;
 };
-
-QString SettingsStoreEnvironment::s_path;
 
 ::testing::Environment* const storeEnvironment
     = ::testing::AddGlobalTestEnvironment(new SettingsStoreEnvironment);
-
-bool typesRegistered = false;
 
 } // namespace
 
@@ -54,137 +41,103 @@ bool waitUntil(const std::function<bool()>& condition, int timeoutMs)
         if (deadline.hasExpired())
             return false;
         QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QThread::msleep(5);
     }
     return true;
 }
 
-void spin(int ms)
+void deliverPosted()
 {
-    waitUntil([] { return false; }, ms);
+    QCoreApplication::processEvents();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 void clearSettingsStore()
 {
-    QSettings settings;
-    settings.clear();
-    settings.sync();
+    QSettings().clear();
 }
 
-QString settingsStorePath()
+UiHarness::UiHarness(bool transitions)
 {
-    return SettingsStoreEnvironment::s_path;
-}
-
-UiHarness::UiHarness()
-{
-    if (!typesRegistered) {
-        Harmattan::Zarvane::registerQmlTypes();
-        typesRegistered = true;
-    }
+    static const bool registered = (Harmattan::Zarvane::registerQmlTypes(), true);
+    Q_UNUSED(registered);
     m_view.setResizeMode(QQuickView::SizeRootObjectToView);
     m_view.setSource(QUrl("qrc:/qml/main.qml"));
     m_view.resize(480, 854);
-    if (m_view.rootObject())
-        m_app.reset(new Harmattan::Zarvane(m_view.rootObject(), m_view.rootContext()));
+    if (!m_view.rootObject())
+        return;
+    m_app.reset(new Harmattan::Zarvane(m_view.rootObject(), m_view.rootContext()));
+    const char* const transitionNames[] = { "pushEnter", "pushExit", "popEnter", "popExit", "replaceEnter",
+                                            "replaceExit" };
+    for (QQuickItem* item : m_view.rootObject()->findChildren<QQuickItem*>())
+        for (const char* name : transitionNames)
+            if (item->inherits("QQuickStackView") && !transitions)
+                QQmlProperty(item, name).write(QVariant::fromValue<QObject*>(nullptr));
     m_view.show();
     waitUntil([this] { return m_view.isExposed(); }, 5000);
 }
 
-UiHarness::~UiHarness()
-{
-    destroyApp();
-}
+UiHarness::~UiHarness() = default;
 
-void UiHarness::destroyApp()
+QObject* UiHarness::open(int view)
 {
-    m_app.reset();
-}
-
-bool UiHarness::loaded() const
-{
-    return m_view.status() == QQuickView::Ready && m_view.rootObject() && m_app;
-}
-
-QObject* UiHarness::root() const
-{
-    return m_view.rootObject();
-}
-
-QObject* UiHarness::mainView() const
-{
-    return root() ? root()->findChild<QObject*>("mainView") : nullptr;
-}
-
-QObject* UiHarness::banner() const
-{
-    return root() ? root()->findChild<QObject*>("infoBanner") : nullptr;
-}
-
-QObject* UiHarness::dialog() const
-{
-    return root() ? root()->findChild<QObject*>("queryDialog") : nullptr;
-}
-
-QObject* UiHarness::currentPage() const
-{
-    return root() ? root()->property("currentPage").value<QObject*>() : nullptr;
-}
-
-int UiHarness::depth() const
-{
-    return root() ? root()->property("depth").toInt() : 0;
-}
-
-QVariant UiHarness::mainProperty(const char* name) const
-{
-    return mainView() ? mainView()->property(name) : QVariant();
-}
-
-void UiHarness::back()
-{
-    QMetaObject::invokeMethod(root(), "back");
+    m_app->navigationModel()->activateView(static_cast<Harmattan::NavigationModel::View>(view));
     settle();
+    return currentPage();
 }
 
-bool UiHarness::click(QObject* parent, const char* objectName)
+bool UiHarness::tap(QQuickItem* item)
 {
-    QQuickItem* item = parent ? parent->findChild<QQuickItem*>(objectName) : nullptr;
-    if (!item || !item->isVisible())
+    if (!item || !settle() || !item->isVisible())
         return false;
     const QPointF local = item->mapToScene(QPointF(item->width() / 2, item->height() / 2));
     const QPointF global = m_view.mapToGlobal(local.toPoint());
-    QMouseEvent press(QEvent::MouseButtonPress, local, local, global, Qt::LeftButton, Qt::LeftButton,
-                      Qt::NoModifier);
-    QCoreApplication::sendEvent(&m_view, &press);
-    spin(30);
-    QMouseEvent release(QEvent::MouseButtonRelease, local, local, global, Qt::LeftButton,
-                        Qt::NoButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(&m_view, &release);
-    spin(30);
+    for (Qt::MouseButtons held : { Qt::MouseButtons(Qt::LeftButton), Qt::MouseButtons(Qt::NoButton) }) {
+        QMouseEvent event(held ? QEvent::MouseButtonPress : QEvent::MouseButtonRelease, local, local, global,
+                          Qt::LeftButton, held, Qt::NoModifier);
+        QCoreApplication::sendEvent(&m_view, &event);
+        QCoreApplication::processEvents();
+    }
     return true;
+}
+
+QQuickItem* UiHarness::row(QObject* parent, const char* listName, int index)
+{
+    QObject* list = parent ? parent->findChild<QObject*>(listName) : nullptr;
+    QQuickItem* item = nullptr;
+    if (list && settle())
+        QMetaObject::invokeMethod(list, "itemAtIndex", Q_RETURN_ARG(QQuickItem*, item), Q_ARG(int, index));
+    return item;
 }
 
 bool UiHarness::settle(int timeoutMs)
 {
-    return waitUntil([this] { return !root()->property("busy").toBool(); }, timeoutMs);
+    if (!waitUntil([this] { return !m_view.rootObject()->property("busy").toBool(); }, timeoutMs))
+        return false;
+    int frames = 0;
+    const QMetaObject::Connection counting
+        = QObject::connect(&m_view, &QQuickWindow::frameSwapped, [&frames] { ++frames; });
+    m_view.update();
+    const bool drawn = waitUntil([&frames] { return frames > 0; }, timeoutMs);
+    QObject::disconnect(counting);
+    return drawn;
 }
 
-bool UiHarness::screenshot(const QString& name)
+void UiHarness::picture(const QString& name)
 {
-    settle();
-    spin(400);
-    const QString dir = QStringLiteral(ZARVANE_BINARY_DIR "/screenshots");
+    const QString dir = qEnvironmentVariable("ZARVANE_SCREENSHOTS");
+    if (dir.isEmpty() || !settle())
+        return;
     QDir().mkpath(dir);
-    QImage image = m_view.grabWindow();
-    return !image.isNull() && image.save(dir + "/" + name + ".png");
+    EXPECT_TRUE(m_view.grabWindow().save(dir + "/" + name + ".png")) << name.toStdString();
 }
 
 void UiTest::SetUp()
 {
     clearSettingsStore();
     LogCapture::instance().clear();
-    ui.reset(new UiHarness());
+    ui.reset(new UiHarness(withTransitions()));
     ASSERT_TRUE(ui->loaded()) << "main.qml did not load";
 }
 
@@ -192,5 +145,40 @@ void UiTest::TearDown()
 {
     ui.reset();
     // Items the screens released with deleteLater() go now, not with the process.
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    deliverPosted();
+}
+
+void SimUiTest::startSim(const ElmSim::ServerOptions& options)
+{
+    sim.reset(new ElmSim::ElmSimServer(options));
+    ASSERT_TRUE(sim->start()) << sim->errorString();
+    Obd::SettingsModel* settings = ui->app()->settingsModel();
+    settings->setConnectionMethod(1);
+    settings->setIpAddress("127.0.0.1");
+    settings->setIpPort(QString::number(sim->port()));
+}
+
+bool SimUiTest::connectToSim(const ElmSim::ServerOptions& options)
+{
+    startSim(options);
+    Harmattan::ConnectionManager* manager = ui->app()->connectionManager();
+    return sim && manager->openConnection()
+           && waitUntil([&] { return manager->isConnected() && mainStatus() == 2; }, CONNECT_WAIT_MS);
+}
+
+bool SimUiTest::codesShown(QObject* page, int stored, int pending)
+{
+    stored = stored < 0 ? simCodes(true).size() : stored;
+    pending = pending < 0 ? simCodes(false).size() : pending;
+    return waitUntil([&] { return !page->property("busy").toBool() && page->property("storedDtcCount") == stored
+                                  && page->property("pendingDtcCount") == pending; }, READ_WAIT_MS);
+}
+
+QStringList SimUiTest::simCodes(bool stored) const
+{
+    QStringList codes;
+    for (const ElmSim::EcuProfile& ecu : sim->profile().ecus)
+        for (const std::string& code : stored ? ecu.storedDtcs : ecu.pendingDtcs)
+            codes << QString::fromStdString(code);
+    return codes;
 }
