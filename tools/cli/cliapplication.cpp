@@ -6,6 +6,8 @@
 #include "messagepoller.h"
 #include "obdtransporter.h"
 #include "printer.h"
+#include "recorder.h"
+#include "reporter.h"
 #include "sensorfactory.h"
 #include "sensorinfo.h"
 #include "session.h"
@@ -188,7 +190,8 @@ int CliApplication::run(const std::vector<std::string>& args)
     } else {
         // Check the arguments before the slow opening of the link.
         std::vector<unsigned char> pids;
-        if ((m_options.command == "live" || m_options.command == "bench") && !resolvePids(pids))
+        if ((m_options.command == "live" || m_options.command == "bench" || m_options.command == "record") &&
+            !resolvePids(pids))
             return EXIT_BAD_ARGUMENT;
         if (m_options.command == "clear" && !m_options.yes && !m_inputIsTerminal)
             return badArgument("clear needs --yes when not run on a terminal");
@@ -221,6 +224,10 @@ int CliApplication::run(const std::vector<std::string>& args)
             code = tests(session, printer);
         else if (c == "bench")
             code = bench(session, printer);
+        else if (c == "record")
+            code = Recorder(session, m_options, m_out, m_err).run(pids, interrupted());
+        else if (c == "report")
+            code = Reporter(session).write(m_options.outFile, m_out, m_err);
         if (session.isLost()) {
             m_err << "zarvane-cli: the link to the adapter was lost\n";
             code = EXIT_FAILED;
