@@ -35,6 +35,7 @@ TEST_F(NavigationTest, TappingARowOrButtonOpensItsScreen)
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
         QObject* from = ui->open(row.from);
+        EXPECT_TRUE(row.target || ui->rowTexts(from, "mainList", row.mainRow).contains(row.title));
         ASSERT_TRUE(row.target ? ui->tap(from, row.target) : ui->tap(ui->row(from, "mainList", row.mainRow)));
         ASSERT_TRUE(ui->settle());
         EXPECT_EQ(ui->currentPage()->property("title").toString(), row.title);

@@ -111,6 +111,16 @@ QQuickItem* UiHarness::row(QObject* parent, const char* listName, int index)
     return item;
 }
 
+QStringList UiHarness::rowTexts(QObject* parent, const char* listName, int index)
+{
+    QStringList texts;
+    if (QQuickItem* item = row(parent, listName, index))
+        for (QQuickItem* child : item->findChildren<QQuickItem*>())
+            if (child->inherits("QQuickText") && child->isVisible())
+                texts << child->property("text").toString();
+    return texts;
+}
+
 bool UiHarness::settle(int timeoutMs)
 {
     if (!waitUntil([this] { return !m_view.rootObject()->property("busy").toBool(); }, timeoutMs))

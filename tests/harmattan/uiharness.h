@@ -53,8 +53,9 @@ public:
     // window shows it, as a person would; false when it is missing or hidden.
     bool tap(QQuickItem* item);
     bool tap(QObject* parent, const char* name) { return tap(parent->findChild<QQuickItem*>(name)); }
-    // The delegate of a list's row, as laid out on screen.
+    // The delegate of a list's row, as laid out on screen, and the texts it shows.
     QQuickItem* row(QObject* parent, const char* listName, int index);
+    QStringList rowTexts(QObject* parent, const char* listName, int index);
     // The text property of the named item below parent.
     QString text(QObject* parent, const char* name) const
     {
