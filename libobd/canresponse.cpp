@@ -1,6 +1,7 @@
 #include "canresponse.h"
 #include "trlog.h"
 
+#include <algorithm>
 #include <cstdint>
 
 namespace Obd {
@@ -77,6 +78,7 @@ int CanResponse::addSingleFrame(const std::vector<unsigned char>& bytes)
     m_payload.assign(bytes.begin() + 1, bytes.begin() + 1 + length);
     m_length = static_cast<unsigned int>(length);
     m_received = m_length;
+    m_sequences.clear();
 
     // No separators: padding is told from the next identifier by value only,
     // so an identifier starting with a filler value is swallowed (accepted).
@@ -111,13 +113,14 @@ int CanResponse::addFirstFrame(const std::vector<unsigned char>& bytes)
         m_payload[i] = bytes[2 + i];
     m_length = length;
     m_received = static_cast<unsigned int>(FF_DATA);
+    m_sequences.clear();
     return static_cast<int>(FRAME_SIZE);
 }
 
 //  +------+----+----+----+----+----+----+----+
 //  | 0x2N | d1 | d2 | d3 | d4 | d5 | d6 | d7 |   N = sequence number 0..15
 //  +------+----+----+----+----+----+----+----+
-//  Frame N lands at payload offset N*7 - 1; the last one is padded.
+//  Frame N lands at payload offset N*7 - 1; the last one may be padded.
 int CanResponse::addConsecutiveFrame(const std::vector<unsigned char>& bytes)
 {
     if (m_payload.empty()) {
@@ -138,21 +141,28 @@ int CanResponse::addConsecutiveFrame(const std::vector<unsigned char>& bytes)
         return -1;
     }
     size_t count = CF_DATA;
-    if (offset + CF_DATA > size) {
+    if (offset + CF_DATA > size)
         count = size - offset;
-        OBD_DEBUG << "Last CF. Expecting only " << count
-                  << " bytes of payload but frame size to be 7 bytes";
-    }
-    // The adapter prints the last frame's filler too.
-    if (bytes.size() < FRAME_SIZE) {
+    // The last frame may come with or without its filler, of any value.
+    if (bytes.size() < 1 + count) {
         OBD_DEBUG << "Not enough data";
         return -1;
     }
+    const int used = static_cast<int>(std::min(bytes.size(), FRAME_SIZE));
+    if (m_sequences.size() <= sequence)
+        m_sequences.resize(sequence + 1, false);
+    if (m_sequences[sequence]) {
+        // A repeated frame: the same bytes change nothing; other bytes are logged
+        // and the first copy stays.
+        if (!std::equal(bytes.begin() + 1, bytes.begin() + 1 + count, m_payload.begin() + offset))
+            OBD_DEBUG << "Repeated consecutive frame with other bytes: " << sequence;
+        return used;
+    }
+    m_sequences[sequence] = true;
     for (size_t i = 0; i < count; ++i)
         m_payload[offset + i] = bytes[1 + i];
-    // A repeated frame is counted twice: the message then never completes.
     m_received += static_cast<unsigned int>(count);
-    return static_cast<int>(FRAME_SIZE);
+    return used;
 }
 
 bool CanResponse::getPayload(std::vector<unsigned char>& out) const

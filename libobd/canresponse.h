@@ -16,7 +16,8 @@ public:
     virtual ~CanResponse();
 
     // Bytes the frame at the front of bytes occupied (1 to 8), or -1 when it
-    // cannot be taken; a refused frame leaves the state unchanged.
+    // cannot be taken; a refused frame leaves the state unchanged. A repeated
+    // consecutive frame is taken and counted once.
     int addFrame(const std::vector<unsigned char>& bytes);
     // False until every announced byte was received.
     bool getPayload(std::vector<unsigned char>& out) const;
@@ -39,6 +40,7 @@ private:
     unsigned int m_length;
     unsigned int m_received;
     std::vector<unsigned char> m_payload;
+    std::vector<bool> m_sequences; // consecutive frames received, by sequence number
 };
 
 } // namespace Obd

@@ -1,11 +1,13 @@
 #include "obdtransporter.h"
 #include "canresponse.h"
+#include "elmscantool.h"
 #include "iobdproxy.h"
 #include "iscantool.h"
 #include "obdparameter.h"
 #include "trlog.h"
 
 #include <cassert>
+#include <string>
 
 namespace Obd {
 
@@ -61,6 +63,110 @@ void hexPrefixToBytes(const std::string& text, size_t maxBytes, std::vector<unsi
     }
 }
 
+// The reply's lines, spaces gone; empty lines dropped. Text without line
+// ends (a reply read with them stripped) is one line.
+std::vector<std::string> replyLines(const std::string& text, bool keepSpaces = false)
+{
+    std::vector<std::string> lines(1);
+    std::string compact; // decides which lines are empty, with or without spaces
+    for (char c : text) {
+        if (c == '\r' || c == '\n') {
+            if (!compact.empty())
+                lines.emplace_back();
+            compact.clear();
+        } else if (c != '>' && c != '\0' && (c != ' ' || keepSpaces)) {
+            if (c != ' ')
+                compact.push_back(c);
+            if (c != ' ' || !compact.empty())
+                lines.back().push_back(c);
+        }
+    }
+    if (compact.empty())
+        lines.pop_back();
+    return lines;
+}
+
+bool startsWith(const std::string& text, const char* prefix)
+{
+    return text.compare(0, std::char_traits<char>::length(prefix), prefix) == 0;
+}
+
+// Printable for a log line or a reason shown to the user.
+std::string escaped(const std::string& text)
+{
+    static const char DIGITS[] = "0123456789ABCDEF";
+    std::string out;
+    for (unsigned char c : text) {
+        if (c < 0x20 || c >= 0x7F) {
+            out += "\\x";
+            out += DIGITS[c >> 4];
+            out += DIGITS[c & 0x0F];
+        } else {
+            out += static_cast<char>(c);
+        }
+    }
+    return out;
+}
+
+// Status and error lines leave the frames; what remains is data. "SEARCHING..."
+// may have the first frame glued after its dots.
+struct SortedLines
+{
+    std::vector<std::string> frames;
+    std::string errorWord; // the first error line, as printed
+    size_t seen = 0;
+};
+
+SortedLines sortLines(const std::string& text)
+{
+    SortedLines sorted;
+    std::vector<std::string> spaced = replyLines(text, true);
+    for (std::string line : replyLines(text)) {
+        const std::string printed = spaced[sorted.seen++];
+        if (startsWith(line, "SEARCHING..."))
+            line.erase(0, 12);
+        if (line.empty() || (startsWith(line, "BUSINIT") && line.find("ERROR") == std::string::npos))
+            continue;
+        const std::vector<unsigned char> bytes(line.begin(), line.end());
+        if (ElmScantool::findAdapterError(bytes) != ElmScantool::ERROR_NONE) {
+            if (sorted.errorWord.empty())
+                sorted.errorWord = printed;
+            continue;
+        }
+        sorted.frames.push_back(line);
+    }
+    return sorted;
+}
+
+bool startsWithSignature(const std::vector<unsigned char>& data, size_t from,
+                         const std::vector<unsigned char>& signature)
+{
+    for (size_t i = 0; i < signature.size() && from + i < data.size(); ++i) {
+        if (data[from + i] != signature[i])
+            return false;
+    }
+    return true;
+}
+
+// A single or first frame whose data starts with neither the expected answer
+// nor a negative response belongs to another request.
+bool isStaleFrame(const std::vector<unsigned char>& frame, const std::vector<unsigned char>& signature)
+{
+    if (signature.empty() || frame.empty())
+        return false;
+    const unsigned int type = frame[0] >> 4;
+    const size_t from = type == 0 ? 1 : type == 1 ? 2 : 0;
+    if (from == 0 || frame.size() <= from || frame[from] == 0x7F)
+        return false;
+    return !startsWithSignature(frame, from, signature);
+}
+
+// K-line and J1850: "7F SID 78" asks to keep waiting; the answer follows.
+bool isResponsePending(const std::vector<unsigned char>& data)
+{
+    return data.size() >= 3 && data[0] == 0x7F && data[2] == 0x78;
+}
+
 // Hands each ECU's payload to the parameter in ascending id order; a
 // rejection is noted and the next ECU follows.
 void deliver(unsigned int protocol, unsigned int ecuId, const std::vector<unsigned char>& payload,
@@ -94,18 +200,37 @@ ExchangeResult ObdTransporter::execute(IObdProxy* provider, ObdParameter* parame
     parameter->getRequest(protocol, request);
     const std::string command = ObdTransporter::commandText(request);
 
-    // A failed send leaves the response empty, which is what counts.
-    std::vector<unsigned char> response;
-    scantool->sendCommand(std::vector<unsigned char>(command.begin(), command.end()), response,
-                          parameter->getTimeout());
-    if (response.empty())
+    parameter->beginExchange();
+    // The reply's lines; an error word fails the call but its line still comes.
+    std::string text;
+    scantool->sendObdCommand(command, text, parameter->getTimeout());
+    const SortedLines sorted = sortLines(text);
+    if (sorted.frames.empty()) {
+        const ScantoolError error = scantool->lastError();
+        if (error.status == ScantoolError::SE_ERROR_WORD && !error.word.empty())
+            parameter->setExchangeStatus(READ_ADAPTER_ERROR, error.text());
+        else if (!sorted.errorWord.empty())
+            parameter->setExchangeStatus(READ_ADAPTER_ERROR, "adapter error: " + escaped(sorted.errorWord));
+        else if (error.status == ScantoolError::SE_ERROR_WORD)
+            parameter->setExchangeStatus(READ_ADAPTER_ERROR, error.text());
+        else if (text.empty())
+            parameter->setExchangeStatus(READ_TIMEOUT, error.status == ScantoolError::SE_NOT_CONNECTED
+                                             ? "the link to the adapter was lost" : "no answer in time");
+        else
+            parameter->setExchangeStatus(READ_MALFORMED, "unreadable reply: " + escaped(text));
         return ER_NO_DATA;
-    const std::string text(response.begin(), response.end());
+    }
+    if (!sorted.errorWord.empty())
+        parameter->setExchangeStatus(READ_ADAPTER_ERROR, "adapter error: " + escaped(sorted.errorWord));
 
     if (!scantool->isHeadersOn()) {
+        std::string joined;
+        for (const std::string& line : sorted.frames)
+            joined += line;
         std::vector<unsigned char> bytes;
-        if (!hexToBytes(text, bytes)) {
+        if (!hexToBytes(joined, bytes)) {
             OBD_ERROR << "Failed to convert response to bytes";
+            parameter->setExchangeStatus(READ_MALFORMED, "malformed reply");
             return ER_ERROR;
         }
         return parameter->parse(protocol, 0, bytes) ? ER_OK : ER_ERROR;
@@ -116,11 +241,11 @@ ExchangeResult ObdTransporter::execute(IObdProxy* provider, ObdParameter* parame
     case PROTOCOL_ISO9141:
     case PROTOCOL_KWP2000:
     case PROTOCOL_J1850:
-        parsed = parseNonCanResponse(protocol, text, parameter);
+        parsed = parseNonCanLines(protocol, sorted.frames, parameter);
         break;
     case PROTOCOL_CAN_11BIT:
     case PROTOCOL_CAN_29BIT:
-        parsed = parseCanResponse(protocol, text, parameter);
+        parsed = parseCanLines(protocol, sorted.frames, parameter);
         break;
     default:
         return ER_ERROR;
@@ -196,6 +321,8 @@ bool ObdTransporter::splitCanResponse(unsigned int protocol, const std::string& 
 bool ObdTransporter::parseCanResponse(unsigned int protocol, const std::string& text,
                                       ObdParameter* parameter) const
 {
+    if (text.find('\r') != std::string::npos)
+        return parseCanLines(protocol, sortLines(text).frames, parameter);
     CanTable table;
     if (!splitCanResponse(protocol, text, table))
         return false;
@@ -290,6 +417,8 @@ bool ObdTransporter::splitGuessedResponse(const std::vector<unsigned char>& byte
 bool ObdTransporter::parseNonCanResponse(unsigned int protocol, const std::string& text,
                                          ObdParameter* parameter) const
 {
+    if (text.find('\r') != std::string::npos)
+        return parseNonCanLines(protocol, sortLines(text).frames, parameter);
     std::vector<unsigned char> bytes;
     if (!hexToBytes(text, bytes)) {
         OBD_ERROR << "Failed to convert response to bytes";
@@ -306,6 +435,109 @@ bool ObdTransporter::parseNonCanResponse(unsigned int protocol, const std::strin
     for (const auto& entry : table)
         deliver(protocol, entry.first, entry.second, parameter);
     return true;
+}
+
+// One frame per line: a frame is the bytes of its line, whatever follows its
+// data (filler of any value, or nothing). A line that cannot be read costs
+// only its ECU's answer.
+bool ObdTransporter::parseCanLines(unsigned int protocol, const std::vector<std::string>& lines,
+                                   ObdParameter* parameter) const
+{
+    std::vector<unsigned char> signature;
+    parameter->getSignature(signature);
+    CanTable table;
+    std::map<unsigned int, bool> refused;
+    std::map<unsigned int, std::vector<unsigned char>> stale; // the first per ECU
+    for (const std::string& line : lines) {
+        std::string rest = line;
+        unsigned int ecuId = 0;
+        if (!extractEcuId(protocol, rest, ecuId)) {
+            OBD_ERROR << "Failed to extract ECU id, line dropped: " << escaped(line);
+            continue;
+        }
+        std::vector<unsigned char> frame;
+        hexPrefixToBytes(rest, MAX_FRAME_BYTES, frame);
+        if (isStaleFrame(frame, signature)) {
+            OBD_DEBUG << "Frame of another request dropped: " << escaped(line);
+            stale.emplace(ecuId, frame);
+            continue;
+        }
+        std::unique_ptr<CanResponse>& response = table[ecuId];
+        if (!response)
+            response.reset(new CanResponse(protocol));
+        if (response->addFrame(frame) < 0) {
+            OBD_ERROR << "Failed to parse message payload";
+            refused[ecuId] = true;
+            if (response->getLength() == 0 && response->getReceived() == 0)
+                table.erase(ecuId); // nothing of this ECU taken yet
+        }
+    }
+    // An ECU that sent nothing else gets its odd answer judged by the parameter.
+    for (const auto& entry : stale) {
+        if (table.count(entry.first))
+            continue;
+        std::unique_ptr<CanResponse> response(new CanResponse(protocol));
+        if (response->addFrame(entry.second) >= 0)
+            table[entry.first] = std::move(response);
+    }
+    bool delivered = false;
+    for (const auto& entry : table) {
+        std::vector<unsigned char> payload;
+        if (!entry.second->getPayload(payload)) {
+            OBD_DEBUG << "Invalid data received for " << entry.first;
+            parameter->setReadStatus(entry.first, READ_MALFORMED, "incomplete reply");
+            continue;
+        }
+        refused.erase(entry.first);
+        deliver(protocol, entry.first, payload, parameter);
+        delivered = true;
+    }
+    for (const auto& entry : refused)
+        parameter->setReadStatus(entry.first, READ_MALFORMED, "malformed reply");
+    return delivered;
+}
+
+// One message per line; an ECU's lines are joined in order. A "7F xx 78"
+// line only says the answer is coming and is skipped.
+bool ObdTransporter::parseNonCanLines(unsigned int protocol, const std::vector<std::string>& lines,
+                                      ObdParameter* parameter) const
+{
+    ByteTable table;
+    std::map<unsigned int, bool> broken;
+    for (const std::string& line : lines) {
+        std::vector<unsigned char> bytes;
+        if (!hexToBytes(line, bytes)) {
+            OBD_ERROR << "Failed to convert response to bytes, line dropped: " << escaped(line);
+            if (bytes.empty() && line.size() >= 6 && hexToBytes(line.substr(0, 6), bytes))
+                broken[bytes[2]] = true;
+            continue;
+        }
+        ByteTable lineTable;
+        const bool split = protocol == PROTOCOL_KWP2000 ? splitKwpResponse(bytes, lineTable)
+                                                        : splitGuessedResponse(bytes, lineTable);
+        if (!split) {
+            if (bytes.size() >= 3)
+                broken[bytes[2]] = true;
+            continue;
+        }
+        for (const auto& entry : lineTable) {
+            if (protocol != PROTOCOL_KWP2000 && !table.empty())
+                OBD_DEBUG << (table.count(entry.first) ? "Guessing response to be multiline"
+                                                       : "Guessing response to be multi ECU");
+            if (isResponsePending(entry.second)) {
+                OBD_DEBUG << "Response pending from " << entry.first;
+                continue;
+            }
+            std::vector<unsigned char>& data = table[entry.first];
+            data.insert(data.end(), entry.second.begin(), entry.second.end());
+        }
+    }
+    for (const auto& entry : table)
+        deliver(protocol, entry.first, entry.second, parameter);
+    // A line lost from an ECU may have cost some of its answer.
+    for (const auto& entry : broken)
+        parameter->setReadStatus(entry.first, READ_MALFORMED, "malformed reply");
+    return !table.empty();
 }
 
 std::string ObdTransporter::commandText(const std::vector<unsigned char>& bytes)

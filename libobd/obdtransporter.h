@@ -13,7 +13,7 @@ class IObdProxy;
 class ObdParameter;
 
 enum ExchangeResult {
-    ER_OK = 0,      // every ECU's payload delivered (or only rejected by the parameter)
+    ER_OK = 0,      // some ECU's payload delivered (statuses say which)
     ER_NO_DATA = 1, // the scan tool returned an empty response
     ER_ERROR = 2    // no usable scan tool, or the response could not be split
 };
@@ -21,10 +21,12 @@ enum ExchangeResult {
 // Carries one parameter through one request/response exchange and splits
 // the reply into one payload per ECU. Holds no state between calls.
 //
-// Response text is hex digits without spaces or line ends. Text that is not
-// hex (odd length, other characters) is refused: the CAN split fails at the
-// identifier or frame it cannot read, the other paths fail the conversion
-// with "Failed to convert response to bytes"; the exchange gives ER_ERROR.
+// The scan tool hands over the reply's lines: each frame is read from its own
+// line, a line that cannot be read (or a frame of another request) costs only
+// that line, and a malformed or incomplete answer only its ECU's result. Each
+// ECU's read status (and the exchange's: time-out, error word) is left on the
+// parameter. Text without line ends (hex run together) is split as before:
+// the frames' own lengths say where the next identifier starts.
 class ObdTransporter
 {
 public:
@@ -49,6 +51,13 @@ public:
     bool splitGuessedResponse(const std::vector<unsigned char>& bytes, ByteTable& table) const;
     bool parseNonCanResponse(unsigned int protocol, const std::string& text,
                              ObdParameter* parameter) const;
+    // The reply's frame lines (status and error lines already taken out);
+    // true when some ECU's answer was delivered. Text with line ends given to
+    // parseCanResponse/parseNonCanResponse takes these.
+    bool parseCanLines(unsigned int protocol, const std::vector<std::string>& lines,
+                       ObdParameter* parameter) const;
+    bool parseNonCanLines(unsigned int protocol, const std::vector<std::string>& lines,
+                          ObdParameter* parameter) const;
     // Takes one frame off the front of text (identifier already removed).
     bool addCanFrame(std::string& text, CanResponse& canResponse) const;
 };

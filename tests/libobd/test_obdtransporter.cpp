@@ -62,6 +62,7 @@ struct ReplyRow
     std::vector<Delivered> delivered; // every parse call, in order
     const char* note = nullptr;       // a log text the exchange leaves
     const char* signature = "";       // empty: the parameter takes anything
+    std::vector<std::pair<unsigned int, ReadState>> states = {}; // read status left per ECU
 };
 
 const unsigned int CAN11 = PROTOCOL_CAN_11BIT;
@@ -130,7 +131,8 @@ TEST(TransporterReplies, RecordedRepliesReachTheParserPerEcu)
           ER_OK, { { 0x7E8, VIN }, { 0x7E9, "7F 09 12" } } },
         { "CAN rejected ECU is noted and the next one still delivered", CAN11, true,
           "7E9 06 41 00 98 18 80 11 \r7E8 03 7F 01 12 \r\r>", ER_OK,
-          { { 0x7E8, "7F 01 12" }, { 0x7E9, SF_7E9 } }, "Invalid data received for 2024", "41 00" },
+          { { 0x7E8, "7F 01 12" }, { 0x7E9, SF_7E9 } }, "Invalid data received for 2024", "41 00",
+          { { 0x7E8, READ_NEGATIVE }, { 0x7E9, READ_OK } } },
         // CAN, 29-bit identifiers
         { "CAN 29-bit two ECUs, F118 first", CAN29, true,
           "18 DA F1 18 06 41 00 98 18 80 11 \r18 DA F1 10 06 41 00 BE 3F A8 13 \r\r>", ER_OK,
@@ -143,26 +145,38 @@ TEST(TransporterReplies, RecordedRepliesReachTheParserPerEcu)
           "F8 DA F1 10 06 41 00 BE 3F A8 13 \r", ER_OK, { { 0x18DAF110, SF_7E8 } } },
         // CAN, broken replies
         { "CAN identifier with nothing after it", CAN11, true, "7E8 \r\r>", ER_ERROR, {}, "Failed to get CAN frame type" },
-        { "CAN trailing half identifier", CAN11, true, "7E8 06 41 00 BE 3F A8 13 \r7E", ER_ERROR, {}, "Failed to extract ECU id" },
-        { "CAN progress word left in the reply", CAN11, true, "SEARCHING...\r7E8 06 41 00 BE 3F A8 13 \r\r>", ER_ERROR, {}, "Failed to extract ECU id" },
+        { "CAN trailing half identifier: the line is dropped", CAN11, true, "7E8 06 41 00 BE 3F A8 13 \r7E", ER_OK, { { 0x7E8, SF_7E8 } },
+          "Failed to extract ECU id" },
+        { "CAN progress word, data glued after its dots", CAN11, true, "SEARCHING...7E8 06 41 00 BE 3F A8 13 \r\r>", ER_OK, { { 0x7E8, SF_7E8 } } },
+        { "CAN noise line between frames is dropped", CAN11, true, "+CONNECTED\r7E8 06 41 00 BE 3F A8 13 \r\r>", ER_OK,
+          { { 0x7E8, SF_7E8 } }, "line dropped" },
         { "CAN non-hex character inside the data", CAN11, true, "7E8 06 41 00 BE 3G A8 13", ER_ERROR, {}, "Failed to parse message payload" },
         { "CAN consecutive frame with no first frame", CAN11, true, "7E8 21 4A 43 35 34 34 34 52 \r\r>", ER_ERROR, {}, "Consecutive frame received before FF" },
         { "CAN flow control frame in the reply", CAN11, true, "7E8 30 00 00 00 00 00 00 00 \r", ER_ERROR, {}, "Failed to parse message payload" },
         { "CAN first frame only", CAN11, true, "7E8 10 14 49 02 01 31 47 31 \r\r>", ER_ERROR, {}, "Invalid data received for 2024" },
-        { "CAN repeated consecutive frame is counted twice and never completes", CAN11, true,
+        { "CAN repeated consecutive frame does not spoil the message", CAN11, true,
           "7E8 10 14 49 02 01 31 47 31 \r7E8 21 4A 43 35 34 34 34 52 \r7E8 21 4A 43 35 34 34 34 52 \r"
           "7E8 22 37 32 35 32 33 36 37 \r\r>",
-          ER_ERROR, {}, "Invalid data received for 2024" },
+          ER_OK, { { 0x7E8, VIN } } },
         { "CAN sequence number 0 after a wrap lands past the payload", CAN11, true,
           "7E8 10 14 49 02 01 31 47 31 \r7E8 20 4A 43 35 34 34 34 52 \r\r>", ER_ERROR, {}, "Not enough data" },
         { "CAN last consecutive frame printed without its filler", CAN11, true,
           "7E8 10 16 49 04 01 41 42 43 \r7E8 21 44 45 46 47 48 49 4A \r7E8 22 4B 4C 4D 4E 4F 50 51 \r"
           "7E8 23 52 53 \r\r>",
-          ER_ERROR, {}, "Not enough data" },
-        { "CAN first ECU incomplete: later ECUs not delivered", CAN11, true,
-          "7E8 10 14 49 02 01 31 47 31 \r7E9 06 41 00 98 18 80 11 \r\r>", ER_ERROR, {}, "Invalid data received for 2024" },
-        { "CAN second ECU incomplete: the first already delivered", CAN11, true,
-          "7E8 06 41 00 BE 3F A8 13 \r7E9 10 14 49 02 01 31 47 31 \r\r>", ER_ERROR, { { 0x7E8, SF_7E8 } },
+          ER_OK, { { 0x7E8, "49 04 01 41 42 43 44 45 46 47 48 49 4A 4B 4C 4D 4E 4F 50 51 52 53" } } },
+        { "CAN mode 03, last frame unpadded, then a second ECU (recorded)", CAN11, true,
+          "7E8 10 0A 43 04 01 33 03 00 \r7E8 21 41 23 92 34 \r7E9 06 43 02 07 00 C1 00 \r\r>", ER_OK,
+          { { 0x7E8, "43 04 01 33 03 00 41 23 92 34" }, { 0x7E9, "43 02 07 00 C1 00" } }, nullptr, "",
+          { { 0x7E8, READ_OK }, { 0x7E9, READ_OK } } },
+        { "CAN last frame with 55 filler", CAN11, true,
+          "7E8 10 08 49 02 01 31 47 31 \r7E8 21 4A 43 55 55 55 55 55 \r\r>", ER_OK, { { 0x7E8, "49 02 01 31 47 31 4A 43" } } },
+        { "CAN stale 41 0C inside the reply is dropped by its signature", CAN11, true,
+          "7E8 04 41 0C 1A F8 \r7E8 06 41 00 BE 3F A8 13 \r\r>", ER_OK, { { 0x7E8, SF_7E8 } }, "another request", "41 00" },
+        { "CAN first ECU incomplete: later ECUs still delivered", CAN11, true,
+          "7E8 10 14 49 02 01 31 47 31 \r7E9 06 41 00 98 18 80 11 \r\r>", ER_OK, { { 0x7E9, SF_7E9 } },
+          "Invalid data received for 2024", "", { { 0x7E8, READ_MALFORMED }, { 0x7E9, READ_OK }, { 0x7EA, READ_NOT_ANSWERED } } },
+        { "CAN second ECU incomplete: the first delivered", CAN11, true,
+          "7E8 06 41 00 BE 3F A8 13 \r7E9 10 14 49 02 01 31 47 31 \r\r>", ER_OK, { { 0x7E8, SF_7E8 } },
           "Invalid data received for 2025" },
         // KWP: format byte 10LLLLLL, target, source, L data bytes, checksum
         { "KWP engine speed, 84: four data bytes", KWP, true, "84 F1 10 41 0C 1A F8 D6 \r\r>", ER_OK, { { 0x10, "41 0C 1A F8" } } },
@@ -177,8 +191,14 @@ TEST(TransporterReplies, RecordedRepliesReachTheParserPerEcu)
         { "KWP 80: a message without data", KWP, true, "80 F1 10 00", ER_OK, { { 0x10, "" } } },
         { "KWP declared length longer than arrived", KWP, true, "85 F1 10 41 0C 1A F8", ER_ERROR, {}, "Not enough data: 4 vs 6" },
         { "KWP checksum missing", KWP, true, "84 F1 10 41 0C 1A F8", ER_ERROR, {}, "Not enough data: 4 vs 5" },
-        { "KWP bus init text before the data", KWP, true, "BUS INIT: ...OK\r84 F1 10 41 0C 1A F8 D6 \r\r>", ER_ERROR, {},
-          "Failed to convert response to bytes" },
+        { "KWP bus init text before the data", KWP, true, "BUS INIT: ...OK\r84 F1 10 41 0C 1A F8 D6 \r\r>", ER_OK,
+          { { 0x10, "41 0C 1A F8" } } },
+        { "KWP response pending skipped, the answer after it delivered", KWP, true,
+          "83 F1 10 7F 01 78 7C \r84 F1 10 41 0C 1A F8 D6 \r\r>", ER_OK, { { 0x10, "41 0C 1A F8" } }, "Response pending from 16" },
+        { "J1850 response pending skipped", PROTOCOL_J1850, true, "48 6B 10 7F 01 78 00 \r48 6B 10 41 0C 1A F8 C5 \r\r>",
+          ER_OK, { { 0x10, "41 0C 1A F8" } } },
+        { "KWP one ECU's broken line costs only that ECU", KWP, true, "85 F1 11 41 0C 1A \r84 F1 10 41 0C 1A F8 D6 \r\r>",
+          ER_OK, { { 0x10, "41 0C 1A F8" } }, "Not enough data", "", { { 0x10, READ_OK }, { 0x11, READ_MALFORMED } } },
         // ISO 9141 / J1850: no length byte, a line ends where its header repeats
         { "J1850 two lines of one ECU", PROTOCOL_J1850, true,
           "48 6B 10 41 00 BE 1F A8 13 5C \r48 6B 10 41 20 80 00 00 00 1D \r\r>", ER_OK,
@@ -201,7 +221,11 @@ TEST(TransporterReplies, RecordedRepliesReachTheParserPerEcu)
         // No answer at all
         { "NO DATA", CAN11, true, "NO DATA\r\r>", ER_NO_DATA, {} },
         { "searching, then NO DATA", CAN11, true, "SEARCHING...\rNO DATA\r\r>", ER_NO_DATA, {} },
-        { "CAN ERROR", CAN11, true, "CAN ERROR\r\r>", ER_NO_DATA, {} },
+        { "CAN ERROR", CAN11, true, "CAN ERROR\r\r>", ER_NO_DATA, {}, nullptr, "", { { 0x7E8, READ_ADAPTER_ERROR } } },
+        { "no answer at all", CAN11, true, "", ER_NO_DATA, {}, nullptr, "", { { 0x7E8, READ_TIMEOUT } } },
+        { "data, then an error word: the data kept, the silent ECU has the word", CAN11, true,
+          "7E8 06 41 00 BE 3F A8 13 \r<RX ERROR\r\r>", ER_OK, { { 0x7E8, SF_7E8 } }, nullptr, "",
+          { { 0x7E8, READ_OK }, { 0x7E9, READ_ADAPTER_ERROR } } },
         { "headers on, protocol unknown", PROTOCOL_UNKNOWN, true, "7E8 06 41 00 BE 3F A8 13", ER_ERROR, {} },
     };
     for (const ReplyRow& row : rows) {
@@ -221,6 +245,9 @@ TEST(TransporterReplies, RecordedRepliesReachTheParserPerEcu)
         }
         if (row.note) {
             EXPECT_TRUE(LogCapture::instance().contains(row.note)) << LogCapture::instance().dump();
+        }
+        for (const auto& state : row.states) {
+            EXPECT_EQ(state.second, parameter.readStatus(state.first).state) << "ECU " << state.first;
         }
     }
 }
@@ -295,6 +322,12 @@ TEST(CanAssembly, FramesOfOneIdentifierAssembleAndSayHowMuchTextIsTheirs)
         { "single frame announcing more than present", { { "06 41 00 BE", -1 } }, "" },
         { "single frame announcing 15 bytes cannot fit 8", { { "0F 01 02 03 04 05 06 07 08 09 0A 0B 0C 0D 0E 0F", -1 } }, "" },
         { "no byte at all", { { "", -1 } }, "" },
+        { "last consecutive frame without filler takes its 3 bytes",
+          { { "10 08 49 02 01 31 47 31", 8 }, { "21 4A 43", 3 } }, "49 02 01 31 47 31 4A 43" },
+        { "last consecutive frame one data byte short", { { "10 09 49 02 01 31 47 31", 8 }, { "21 4A 43", -1 } }, nullptr },
+        { "repeated consecutive frame counted once",
+          { { "10 0F 49 02 01 31 47 31", 8 }, { "21 4A 43 35 34 34 34 52", 8 }, { "21 4A 43 35 34 34 34 52", 8 },
+            { "22 37 32", 3 } }, "49 02 01 31 47 31 4A 43 35 34 34 34 52 37 32" },
     };
     for (const AssemblyRow& row : rows) {
         SCOPED_TRACE(row.name);

@@ -15,8 +15,10 @@ public:
     Printer(std::ostream& out, bool json);
 
     bool isJson() const { return m_json; }
-    // Text mode only.
+    // Text mode only. Control characters (from the adapter or the car) are
+    // printed as \xNN, so a VIN cannot move the cursor or end a line.
     void line(const std::string& text = std::string());
+    static std::string escaped(const std::string& text);
     // JSON mode: the document printed by finish().
     QJsonObject& root() { return m_root; }
     // JSON mode: one compact object on a line of its own, now.
