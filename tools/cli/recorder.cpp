@@ -109,7 +109,8 @@ int Recorder::run(const std::vector<unsigned char>& pids, const std::atomic<bool
     while (!stop()) {
         while (std::chrono::steady_clock::now() < next && !interrupted && !m_session.isLost())
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        if (interrupted || m_session.isLost())
+        // A sample due at the end of --duration is past it.
+        if (stop())
             break;
         next += period;
         const auto when = std::chrono::system_clock::now();
