@@ -2,8 +2,8 @@
 #include "clock.h"
 #include "iobdproxy.h"
 #include "ipolllistener.h"
+#include "livereader.h"
 #include "obdparameter.h"
-#include "obdtransporter.h"
 #include "sensorfactory.h"
 #include "trlog.h"
 
@@ -40,43 +40,53 @@ void MessagePoller::run()
 {
     OBD_DEBUG << "Message poller started";
     m_stop = false;
-    ObdTransporter transporter;
-    // The position is kept as the next PID to visit, so entries removed
-    // meanwhile cannot leave it dangling.
-    int position = 0;
+    // Every PID that is due goes in one reading, so that a CAN vehicle is
+    // asked for several at once.
+    LiveReader reader(m_proxy);
     while (!m_stop) {
+        qint64 idleMs = 100;
         bool exchanged = false;
         {
             CLock lock(m_mutex);
-            auto it = m_table.lower_bound(static_cast<unsigned char>(std::min(position, 0xFF)));
-            if (m_changed || position > 0xFF || it == m_table.end()) {
-                it = m_table.begin();
-                m_changed = false;
+            m_changed = false;
+            std::vector<Entry*> due;
+            std::vector<LiveReader::Item> items;
+            for (auto& row : m_table) {
+                Entry& entry = *row.second;
+                const qint64 left = entry.period - entry.lastRun.elapsed();
+                if (left <= 0) {
+                    due.push_back(&entry);
+                    items.emplace_back(row.first, entry.parameter.get());
+                } else {
+                    idleMs = std::min(idleMs, left);
+                }
             }
-            if (it != m_table.end()) {
-                Entry& entry = *it->second;
-                position = it->first + 1;
-                if (entry.lastRun.elapsed() >= entry.period) {
-                    QElapsedTimer timer;
-                    timer.start();
-                    ExchangeResult result = transporter.execute(m_proxy, entry.parameter.get());
-                    if (result == ER_OK) {
-                        unsigned int count = m_count + 1;
-                        m_count = count;
-                        float average = static_cast<float>(m_averageTime);
-                        average += (static_cast<float>(timer.elapsed()) - average) / static_cast<float>(count);
-                        m_averageTime = static_cast<int>(average);
-                        for (auto& subscriber : entry.subscribers) {
-                            if (subscriber->lastNotification.elapsed() >= subscriber->period) {
-                                subscriber->listener->onPolled(IPollListener::CODE_UPDATED,
-                                                               entry.parameter.get());
-                                subscriber->lastNotification.restart();
-                            }
+            if (!due.empty()) {
+                QElapsedTimer timer;
+                timer.start();
+                const unsigned int before = reader.exchanges();
+                const std::vector<bool> good = reader.read(items);
+                const unsigned int exchanges = std::max(1u, reader.exchanges() - before);
+                const float elapsed = static_cast<float>(timer.elapsed()) / static_cast<float>(exchanges);
+                for (size_t i = 0; i < due.size(); ++i) {
+                    Entry& entry = *due[i];
+                    entry.lastRun.restart();
+                    if (!good[i])
+                        continue;
+                    unsigned int count = m_count + 1;
+                    m_count = count;
+                    float average = static_cast<float>(m_averageTime);
+                    average += (elapsed - average) / static_cast<float>(count);
+                    m_averageTime = static_cast<int>(average);
+                    for (auto& subscriber : entry.subscribers) {
+                        if (subscriber->lastNotification.elapsed() >= subscriber->period) {
+                            subscriber->listener->onPolled(IPollListener::CODE_UPDATED,
+                                                           entry.parameter.get());
+                            subscriber->lastNotification.restart();
                         }
                     }
-                    entry.lastRun.restart();
-                    exchanged = true;
                 }
+                exchanged = true;
             }
         }
         if (exchanged) {
@@ -84,7 +94,7 @@ void MessagePoller::run()
             continue;
         }
         if (!m_stop)
-            QThread::msleep(100);
+            QThread::msleep(static_cast<unsigned long>(std::max<qint64>(idleMs, 1)));
     }
     OBD_DEBUG << "Exiting message poller";
     m_stop = false;
