@@ -5,7 +5,8 @@
 # application start-up to the first frame, resident memory after discovery,
 # and the CPU use of a polling client and of the application while its
 # dashboard polls. Against elmsim with no delay and with
-# a 50 ms delay per request. Prints figures; asserts nothing.
+# a 50 ms delay per request; values per second and time to the first value
+# against each timing model of elmsim. Prints figures; asserts nothing.
 # Usage: scripts/benchmarks.sh [build dir, default build]
 set -e
 cd "$(dirname "$0")/.."
@@ -40,6 +41,38 @@ for delay in 0 50; do
     "$CLI" --port "$PORT" --count "$count" bench 0C || true
     sim_stop
 done
+
+echo
+echo "## Values per second on a modelled adapter (elmsim --timing MODEL, can11)"
+# Six PIDs of the engine alone, six with vehicle speed (answered by both
+# ECUs), and one PID per request with the adapter's default timing; "first
+# value" is the wall time of a one-reading run, opening included.
+SIX_ONE="0C,04,05,0F,10,11"
+SIX_TWO="0C,0D,04,05,0F,11"
+figure() {
+    "$CLI" --json --port "$PORT" --count "$2" bench "$1" 2>/dev/null \
+        | tr -d ' \n' | grep -o "\"$3\":[0-9.]*" | cut -d: -f2
+}
+first_value() {
+    start=$(date +%s%N)
+    "$CLI" --port "$PORT" --count 1 bench "$1" >/dev/null 2>&1 || true
+    echo $(( ($(date +%s%N) - start) / 1000000 ))
+}
+printf "%-9s %13s %13s %13s %7s %15s %15s\n" model "six, 1 ECU/s" "six, 2 ECUs/s" "one-PID/s" ratio "first value six" "first value one"
+for model in genuine bt-clone wifi stn; do
+    "$SIM" --port "$PORT" --reset-delay 0 --search-delay 0 --timing "$model" --seed 1 >/dev/null 2>&1 &
+    SIM_PID=$!
+    sleep 0.3
+    one=$(figure "$SIX_ONE" 100 valuesPerSecond)
+    two=$(figure "$SIX_TWO" 100 valuesPerSecond)
+    plain=$(figure 0C 20 valuesPerSecond)
+    firstSix=$(first_value "$SIX_ONE")
+    firstOne=$(first_value 0C)
+    sim_stop
+    ratio=$(echo "scale=1; ${one:-0} / ${plain:-1}" | bc 2>/dev/null || echo "?")
+    printf "%-9s %13.1f %13.1f %13.1f %6sx %12s ms %12s ms\n" "$model" "${one:-0}" "${two:-0}" "${plain:-0}" "$ratio" "$firstSix" "$firstOne"
+done
+echo "(command: zarvane-cli --port P --count N bench $SIX_ONE; one PID: bench 0C)"
 
 echo
 echo "## Discovery time per profile (in-process elmsim over TCP loopback)"
