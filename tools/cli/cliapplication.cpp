@@ -390,23 +390,35 @@ int CliApplication::dtc(Session& session, Printer& printer)
     Obd::StoredTroubleCodes stored;
     Obd::PendingTroubleCodes pending;
     Obd::MonitorStatus status;
-    bool storedOk = execute(session, stored);
-    bool pendingOk = execute(session, pending);
-    bool statusOk = execute(session, status);
-    if (!storedOk && !pendingOk && !statusOk) {
-        // A lost link is reported once, by run(), rather than blamed on the vehicle.
-        if (!session.isLost())
-            m_err << "zarvane-cli: the vehicle did not answer the trouble-code requests\n";
-        return EXIT_FAILED;
-    }
+    execute(session, stored);
+    execute(session, pending);
+    execute(session, status);
+    // A failed read is said per ECU, never shown as no codes or MIL off.
+    bool anyRead = false;
+    std::string reason;
     QJsonArray list;
     for (const Obd::EcuPtr& ecu : ecus(session)) {
         QJsonObject item;
+        QJsonObject errors;
         item["id"] = static_cast<qint64>(ecu->getId());
         item["name"] = q(ecu->getShortName());
         printer.line("ECU " + ecuIdText(*ecu) + "  " +
                      ecu->getShortName());
+        auto unread = [&](const Obd::ObdParameter& parameter, const std::string& title, const char* key) {
+            const Obd::ReadStatus read = parameter.readStatus(ecu->getId());
+            if (read.ok())
+                return false;
+            printer.line("  " + title + (std::string(key) == "status" ? ": unknown, " : ": ") +
+                         "could not read (" + read.reason + ")");
+            errors[key] = q(read.reason);
+            if (reason.empty())
+                reason = read.reason;
+            return true;
+        };
         auto codes = [&](Obd::DtcParameter& parameter, const char* title, const char* key) {
+            if (unread(parameter, title, key))
+                return -1;
+            anyRead = true;
             std::vector<Obd::Dtc> found;
             parameter.getDtcs(*ecu, found);
             QJsonArray array;
@@ -421,18 +433,28 @@ int CliApplication::dtc(Session& session, Printer& printer)
                 array.append(row);
             }
             item[key] = array;
+            return static_cast<int>(found.size());
         };
-        codes(stored, "Stored codes", "stored");
+        const int storedCount = codes(stored, "Stored codes", "stored");
         codes(pending, "Pending codes", "pending");
-        if (statusOk && ecu->isSupported(1, 0x01)) {
+        if (ecu->isSupported(1, 0x01) && unread(status, "MIL and readiness", "status")) {
+            item["mil"] = QJsonValue();
+        } else if (ecu->isSupported(1, 0x01)) {
+            anyRead = true;
             bool mil = status.isMilOn(*ecu);
             bool diesel = status.isCompressionIgnition(*ecu);
+            const int confirmed = static_cast<int>(status.getDtcCount(*ecu));
             printer.line(std::string("  MIL: ") + (mil ? "on" : "off") + ", " +
-                         std::to_string(status.getDtcCount(*ecu)) + " confirmed, " +
+                         std::to_string(confirmed) + " confirmed, " +
                          (diesel ? "compression ignition" : "spark ignition"));
             item["mil"] = mil;
-            item["dtcCount"] = static_cast<int>(status.getDtcCount(*ecu));
+            item["dtcCount"] = confirmed;
             item["compressionIgnition"] = diesel;
+            if (storedCount >= 0 && confirmed > storedCount) {
+                printer.line("  The ECU reports " + std::to_string(confirmed) + " confirmed codes; only " +
+                             std::to_string(storedCount) + " could be read");
+                item["unreadCodes"] = confirmed - storedCount;
+            }
             QJsonArray monitors;
             for (unsigned int id = 0; id <= 15; ++id) {
                 bool sparkMonitor = id >= 3 && id <= 9;
@@ -451,9 +473,18 @@ int CliApplication::dtc(Session& session, Printer& printer)
             }
             item["monitors"] = monitors;
         }
+        if (!errors.isEmpty())
+            item["errors"] = errors;
         list.append(item);
     }
     printer.root()["ecus"] = list;
+    if (!anyRead) {
+        // A lost link is reported once, by run(), rather than blamed on the vehicle.
+        if (!session.isLost())
+            m_err << "zarvane-cli: the vehicle did not answer the trouble-code requests (" << Printer::escaped(reason)
+                  << ")\n";
+        return EXIT_FAILED;
+    }
     return EXIT_OK;
 }
 
@@ -526,6 +557,7 @@ int CliApplication::live(Session& session, Printer& printer)
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
 
     int samples = 0;
+    bool anyValue = false;
     auto start = std::chrono::steady_clock::now();
     auto next = start;
     while (!interrupted() && !session.isLost() && (m_options.count < 0 || samples < m_options.count)) {
@@ -544,9 +576,15 @@ int CliApplication::live(Session& session, Printer& printer)
         for (unsigned char pid : pids) {
             auto it = latest.find(pid);
             if (it == latest.end() || it->second.values.empty()) {
-                text << "  " << hex(pid) << " -";
+                // Never a dash: the user must not take it for a value.
+                text << "  " << hex(pid) << ": could not read";
+                QJsonObject value;
+                value["pid"] = q(hex(pid));
+                value["error"] = q("could not read");
+                values.append(value);
                 continue;
             }
+            anyValue = true;
             const LiveListener::Sample& sample = it->second;
             text << "  " << sample.name << ":";
             for (size_t i = 0; i < sample.values.size(); ++i) {
@@ -569,7 +607,12 @@ int CliApplication::live(Session& session, Printer& printer)
     }
     poller.stop();
     poller.wait();
-    return samples > 0 || interrupted() ? EXIT_OK : EXIT_FAILED;
+    if (!anyValue) {
+        if (!session.isLost())
+            m_err << "zarvane-cli: could not read any of the requested values\n";
+        return EXIT_FAILED;
+    }
+    return EXIT_OK;
 }
 
 int CliApplication::vehicle(Session& session, Printer& printer)
@@ -584,25 +627,52 @@ int CliApplication::vehicle(Session& session, Printer& printer)
         return std::any_of(all.begin(), all.end(),
                            [type](const Obd::EcuPtr& e) { return e->isSupported(9, type); });
     };
-    bool haveVin = anySupports(0x02) && execute(session, vin);
-    bool haveCalibrations = anySupports(0x04) && execute(session, calibrations);
-    bool haveCvns = anySupports(0x06) && execute(session, cvns);
-    bool haveSpark = anySupports(0x08) && execute(session, spark);
-    bool haveCompression = anySupports(0x0B) && execute(session, compression);
+    // Asked only where some ECU says it has the item; each ECU's own status
+    // then says whether its answer could be read.
+    bool haveVin = anySupports(0x02) && (execute(session, vin), true);
+    bool haveCalibrations = anySupports(0x04) && (execute(session, calibrations), true);
+    bool haveCvns = anySupports(0x06) && (execute(session, cvns), true);
+    bool haveSpark = anySupports(0x08) && (execute(session, spark), true);
+    bool haveCompression = anySupports(0x0B) && (execute(session, compression), true);
+    int asked = 0;
+    int read = 0;
+    std::string reason;
+    // False (and "could not read" said) when the ECU has the item but its answer was lost.
+    auto readable = [&](const Obd::ObdParameter& parameter, const Obd::Ecu& ecu, unsigned char type,
+                        const char* title, QJsonObject& errors, const char* key) {
+        if (!ecu.isSupported(9, type) && !(type == 0x02 && vin.hasVin(ecu)))
+            return false;
+        ++asked;
+        Obd::ReadStatus status = parameter.readStatus(ecu.getId());
+        if (status.ok() && type == 0x02 && !vin.hasVin(ecu)) {
+            status.state = Obd::READ_MALFORMED;
+            status.reason = "empty VIN";
+        }
+        if (status.ok()) {
+            ++read;
+            return true;
+        }
+        printer.line(std::string("  ") + title + "could not read (" + status.reason + ")");
+        errors[key] = q(status.reason);
+        if (reason.empty())
+            reason = status.reason;
+        return false;
+    };
 
     QJsonArray list;
     for (const Obd::EcuPtr& ecu : all) {
         QJsonObject item;
+        QJsonObject errors;
         item["id"] = static_cast<qint64>(ecu->getId());
         item["name"] = q(ecu->getShortName());
         printer.line("ECU " + ecuIdText(*ecu) + "  " +
                      ecu->getShortName() + " - " + ecu->getLongName());
-        if (haveVin && vin.hasVin(*ecu)) {
+        if (haveVin && readable(vin, *ecu, 0x02, "VIN:              ", errors, "vin")) {
             printer.line("  VIN:              " + vin.getVin(*ecu));
             item["vin"] = q(vin.getVin(*ecu));
             printer.root()["vin"] = q(vin.getVin(*ecu));
         }
-        if (haveCalibrations && ecu->isSupported(9, 0x04)) {
+        if (haveCalibrations && readable(calibrations, *ecu, 0x04, "Calibration ID:   ", errors, "calibrationIds")) {
             QJsonArray ids;
             for (const std::string& id : calibrations.getCalibrationIds(*ecu)) {
                 printer.line("  Calibration ID:   " + id);
@@ -610,7 +680,7 @@ int CliApplication::vehicle(Session& session, Printer& printer)
             }
             item["calibrationIds"] = ids;
         }
-        if (haveCvns && ecu->isSupported(9, 0x06)) {
+        if (haveCvns && readable(cvns, *ecu, 0x06, "CVN:              ", errors, "cvns")) {
             QJsonArray numbers;
             for (const std::string& cvn : cvns.getVerificationNumberTexts(*ecu)) {
                 printer.line("  CVN:              " + cvn);
@@ -631,15 +701,22 @@ int CliApplication::vehicle(Session& session, Printer& printer)
             }
             item[key] = array;
         };
-        if (haveSpark && ecu->isSupported(9, 0x08))
+        if (haveSpark && readable(spark, *ecu, 0x08, "Performance tracking: ", errors, "performanceTracking"))
             counters(spark.getCounters(*ecu), &Obd::PerformanceTrackingSpark::getCounterName,
                      "performanceTracking");
-        if (haveCompression && ecu->isSupported(9, 0x0B))
+        if (haveCompression && readable(compression, *ecu, 0x0B, "Performance tracking: ", errors, "performanceTracking"))
             counters(compression.getCounters(*ecu),
                      &Obd::PerformanceTrackingCompression::getCounterName, "performanceTracking");
+        if (!errors.isEmpty())
+            item["errors"] = errors;
         list.append(item);
     }
     printer.root()["ecus"] = list;
+    if (asked > 0 && read == 0) {
+        if (!session.isLost())
+            m_err << "zarvane-cli: could not read the vehicle information: " << Printer::escaped(reason) << "\n";
+        return EXIT_FAILED;
+    }
     return EXIT_OK;
 }
 
@@ -660,13 +737,33 @@ int CliApplication::tests(Session& session, Printer& printer)
     std::sort(ids.begin(), ids.end());
     Obd::UnitSystem system = m_options.imperial ? Obd::US_IMPERIAL : Obd::US_METRIC;
     QJsonArray monitorResults;
+    int asked = 0;
+    int read = 0;
+    std::string reason;
+    QJsonArray errors;
+    auto unread = [&](const Obd::ReadStatus& status, const std::string& what) {
+        ++asked;
+        if (status.ok()) {
+            ++read;
+            return;
+        }
+        printer.line("  " + what + ": could not read (" + status.reason + ")");
+        QJsonObject row;
+        row["test"] = q(what);
+        row["error"] = q(status.reason);
+        errors.append(row);
+        if (reason.empty())
+            reason = status.reason;
+    };
     printer.line(can ? "On-board monitor tests (service 06)" : "On-board tests (service 06)");
     for (unsigned char id : ids) {
         Obd::MonitorTestResult result(id);
         result.setUnitSystem(system);
-        if (!execute(session, result))
-            continue;
+        execute(session, result);
         for (const Obd::EcuPtr& ecu : all) {
+            if (ecu->isSupported(6, id))
+                unread(result.readStatus(ecu->getId()),
+                       ecuIdText(*ecu) + " " + (can ? Obd::MonitorTestResult::getMidName(id) : "TID $" + hex(id)));
             std::vector<unsigned int> answered;
             result.getEcuIds(answered);
             if (std::find(answered.begin(), answered.end(), ecu->getId()) == answered.end())
@@ -713,8 +810,12 @@ int CliApplication::tests(Session& session, Printer& printer)
         printer.line("Oxygen sensor tests (service 05)");
         for (unsigned char tid : tids) {
             Obd::OxygenSensorTestResult result(tid);
-            if (!execute(session, result))
+            if (!execute(session, result)) {
+                unread(result.readStatus(all.front()->getId()), Obd::OxygenSensorTestResult::getTidName(tid));
                 continue;
+            }
+            ++asked;
+            ++read;
             for (const Obd::EcuPtr& ecu : all) {
                 for (Obd::OxygenSensorLocation location : result.getSensors(*ecu)) {
                     std::shared_ptr<Obd::OxygenSensorTestItem> item = result.getItem(*ecu, location);
@@ -741,6 +842,13 @@ int CliApplication::tests(Session& session, Printer& printer)
             }
         }
         printer.root()["oxygenSensorTests"] = oxygenResults;
+    }
+    if (!errors.isEmpty())
+        printer.root()["errors"] = errors;
+    if (asked > 0 && read == 0) {
+        if (!session.isLost())
+            m_err << "zarvane-cli: could not read the test results: " << Printer::escaped(reason) << "\n";
+        return EXIT_FAILED;
     }
     return EXIT_OK;
 }
