@@ -659,13 +659,18 @@ bool ElmScantool::atCommand(const std::string& command, std::string& reply, unsi
     std::vector<std::string> lines;
     if (readLines(lines, timeoutMs) != 0)
         return false;
+    // The answer is one line; what follows it before the prompt is noise.
     for (const std::string& line : lines) {
         std::string text = line;
         if (reply.empty() && line.compare(0, command.size(), command) == 0)
             text.erase(0, command.size()); // the echo, or the echo glued to the answer
         text = trimmed(text);
-        if (!text.empty())
-            reply += (reply.empty() ? "" : " ") + text;
+        if (text.empty())
+            continue;
+        if (reply.empty())
+            reply = text;
+        else
+            OBD_DEBUG << "Dropped after the answer to " << command << ": " << ElmTransport::escaped(text);
     }
     return true;
 }

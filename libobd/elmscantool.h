@@ -93,8 +93,7 @@ private:
     void settleOwedReplies();
     bool exchange(const std::vector<unsigned char>& command, std::vector<unsigned char>& response,
                   unsigned int timeoutMs);
-    // An AT command and its reply without echo, lines joined by a blank. Empty
-    // without a reply (logged).
+    // An AT command and its one-line answer without echo; empty without one.
     bool atCommand(const std::string& command, std::string& reply, unsigned int timeoutMs = AT_TIMEOUT_MS);
     bool reinitialise();
     void readChip();
