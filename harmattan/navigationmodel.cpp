@@ -26,6 +26,7 @@ const char* const DOCUMENTS[] = {
     "DtcSearchView.qml",
     "DtcBrowseView.qml",
     "LiveDataView.qml",
+    "ReadinessView.qml",
 };
 const int VIEW_COUNT = sizeof(DOCUMENTS) / sizeof(DOCUMENTS[0]);
 
@@ -48,6 +49,7 @@ NavigationModel::NavigationModel(QObject* parent)
     , m_dtcSearchViewModel(nullptr)
     , m_dtcBrowseViewModel(nullptr)
     , m_liveDataViewModel(nullptr)
+    , m_readinessViewModel(nullptr)
 {
 }
 
@@ -126,6 +128,11 @@ void NavigationModel::registerLiveDataViewModel(IViewModel* viewModel)
     m_liveDataViewModel = viewModel;
 }
 
+void NavigationModel::registerReadinessViewModel(IViewModel* viewModel)
+{
+    m_readinessViewModel = viewModel;
+}
+
 QString NavigationModel::document(View view)
 {
     if (view < 0 || view >= VIEW_COUNT)
@@ -152,6 +159,7 @@ void NavigationModel::buildTable()
         m_dtcSearchViewModel,
         m_dtcBrowseViewModel,
         m_liveDataViewModel,
+        m_readinessViewModel,
     };
     static_assert(sizeof(viewModels) / sizeof(viewModels[0]) == VIEW_COUNT, "one view model per view");
     for (int i = 0; i < VIEW_COUNT; ++i)

@@ -31,7 +31,8 @@ public:
         BluetoothSearchView = 11,
         DtcSearchView = 12,
         DtcBrowseView = 13,
-        LiveDataView = 14
+        LiveDataView = 14,
+        ReadinessView = 15
     };
     Q_ENUM(View)
 
@@ -53,6 +54,7 @@ public:
     void registerDtcSearchViewModel(IViewModel* viewModel);
     void registerDtcBrowseViewModel(IViewModel* viewModel);
     void registerLiveDataViewModel(IViewModel* viewModel);
+    void registerReadinessViewModel(IViewModel* viewModel);
 
     // The QML document of a view; empty for a number outside the table.
     static QString document(View view);
@@ -83,6 +85,7 @@ private:
     IViewModel* m_dtcSearchViewModel;
     IViewModel* m_dtcBrowseViewModel;
     IViewModel* m_liveDataViewModel;
+    IViewModel* m_readinessViewModel;
     QVector<Entry> m_table;
 };
 

@@ -17,6 +17,7 @@
 #include "viewmodel/ecuinformationviewmodel.h"
 #include "viewmodel/informationviewmodel.h"
 #include "viewmodel/livedataviewmodel.h"
+#include "viewmodel/readinessviewmodel.h"
 #include "viewmodel/pendingdtcviewmodel.h"
 #include "viewmodel/scantoolinformationviewmodel.h"
 #include "viewmodel/storeddtcviewmodel.h"
@@ -61,6 +62,7 @@ Zarvane::Zarvane(QObject* rootObject, QQmlContext* rootContext)
     , m_ecuInformationViewModel(nullptr)
     , m_dashboardViewModel(nullptr)
     , m_liveDataViewModel(nullptr)
+    , m_readinessViewModel(nullptr)
 {
     // 1-4: navigation, settings, connection manager, main view model.
     m_navigationModel = new NavigationModel(this);
@@ -117,10 +119,13 @@ Zarvane::Zarvane(QObject* rootObject, QQmlContext* rootContext)
     m_navigationModel->registerDashboardViewModel(m_dashboardViewModel);
     publish(m_dashboardViewModel);
 
-    // 18. live data, opened from the main view's header.
+    // 18-19: live data and readiness, opened from the main view's header.
     m_liveDataViewModel = new LiveDataViewModel(m_connectionManager, this);
     m_navigationModel->registerLiveDataViewModel(m_liveDataViewModel);
     publish(m_liveDataViewModel);
+    m_readinessViewModel = new ReadinessViewModel(m_connectionManager, this);
+    m_navigationModel->registerReadinessViewModel(m_readinessViewModel);
+    publish(m_readinessViewModel);
 
     if (m_rootContext) {
         m_rootContext->setContextProperty("mainViewModel", m_mainViewModel);
@@ -131,6 +136,7 @@ Zarvane::Zarvane(QObject* rootObject, QQmlContext* rootContext)
         if (mainView) {
             m_mainViewModel->setView(mainView);
             connect(mainView, SIGNAL(liveDataButtonClicked()), this, SLOT(onShowLiveData()));
+            connect(mainView, SIGNAL(readinessButtonClicked()), this, SLOT(onShowReadiness()));
         }
         else
             OBD_ERROR << "No main view in the root document";
@@ -149,6 +155,8 @@ Zarvane::~Zarvane()
     m_dashboardViewModel = nullptr;
     delete m_liveDataViewModel;
     m_liveDataViewModel = nullptr;
+    delete m_readinessViewModel;
+    m_readinessViewModel = nullptr;
     delete m_dtcDataModel;
     m_dtcDataModel = nullptr;
     // The shared dialog items outlive us only as long as the view does.
@@ -255,6 +263,16 @@ LiveDataViewModel* Zarvane::liveDataViewModel() const
 void Zarvane::onShowLiveData()
 {
     m_navigationModel->activateView(NavigationModel::LiveDataView);
+}
+
+ReadinessViewModel* Zarvane::readinessViewModel() const
+{
+    return m_readinessViewModel;
+}
+
+void Zarvane::onShowReadiness()
+{
+    m_navigationModel->activateView(NavigationModel::ReadinessView);
 }
 
 } // namespace Harmattan

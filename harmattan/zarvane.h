@@ -23,6 +23,7 @@ class EcuInformationViewModel;
 class InformationViewModel;
 class IViewModel;
 class LiveDataViewModel;
+class ReadinessViewModel;
 class MainViewModel;
 class NavigationModel;
 class PendingDtcViewModel;
@@ -63,9 +64,11 @@ public:
     EcuInformationViewModel* ecuInformationViewModel() const;
     DashboardViewModel* dashboardViewModel() const;
     LiveDataViewModel* liveDataViewModel() const;
+    ReadinessViewModel* readinessViewModel() const;
 
 private slots:
     void onShowLiveData();
+    void onShowReadiness();
 
 private:
     // Publishes a new view model's data before the next one is created.
@@ -90,6 +93,7 @@ private:
     EcuInformationViewModel* m_ecuInformationViewModel;
     DashboardViewModel* m_dashboardViewModel;
     LiveDataViewModel* m_liveDataViewModel;
+    ReadinessViewModel* m_readinessViewModel;
 };
 
 } // namespace Harmattan

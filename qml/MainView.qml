@@ -21,6 +21,7 @@ ZPage {
     signal settingsButtonClicked()
     signal aboutButtonClicked()
     signal liveDataButtonClicked()
+    signal readinessButtonClicked()
     signal clicked(int index)
 
     title: "Zarvane"
@@ -94,6 +95,23 @@ ZPage {
             anchors.verticalCenter: parent.verticalCenter
             spacing: 2
 
+            ToolButton {
+                id: readinessButton
+                objectName: "readinessButton"
+                width: 52
+                height: 52
+                onClicked: page.readinessButtonClicked()
+                contentItem: Image {
+                    source: "qrc:///readiness.png"
+                    sourceSize.width: 64
+                    sourceSize.height: 64
+                    fillMode: Image.PreserveAspectFit
+                }
+                background: Rectangle {
+                    radius: width / 2
+                    color: readinessButton.pressed ? Theme.pressed : "transparent"
+                }
+            }
             ToolButton {
                 id: liveDataButton
                 objectName: "liveDataButton"

@@ -46,6 +46,11 @@ protected:
     }
 };
 
+void PrintTo(const Vehicle& vehicle, std::ostream* os)
+{
+    *os << vehicle.name;
+}
+
 } // namespace
 
 TEST_P(LiveDataViewTest, ListsEverySupportedPidAndReadsTheShownRowsInTheChosenUnits)

@@ -1,0 +1,209 @@
+#include "readinessviewmodel.h"
+
+#include "connectionmanager.h"
+#include "iobdproxy.h"
+#include "livedataviewmodel.h"
+#include "obdparameterupdater.h"
+#include "powertrain/monitorstatus.h"
+#include "readinesslistmodel.h"
+#include "sensor.h"
+#include "sensorcreator.h"
+#include "sensorvalue.h"
+#include "workerthread.h"
+
+#include <QQmlContext>
+#include <QSettings>
+#include <QStringList>
+#include <QVariant>
+
+namespace Harmattan {
+
+const char* const ReadinessViewModel::READY = "Ready for an emissions inspection";
+
+namespace {
+
+// Distance and time since the codes were cleared, then with the lamp on.
+const unsigned char COUNTER_PIDS[] = { 0x31, 0x4E, 0x21, 0x4D };
+const unsigned int LAST_CONTINUOUS = 2;
+const unsigned int FIRST_SPARK = 3;
+const unsigned int LAST_SPARK = 9;
+const unsigned int FIRST_COMPRESSION = 10;
+const unsigned int LAST_COMPRESSION = 15;
+
+using Row = ReadinessListModel::Row;
+
+} // namespace
+
+ReadinessViewModel::ReadinessViewModel(ConnectionManager* connectionManager, QObject* parent)
+    : QObject(parent)
+    , m_connectionManager(connectionManager)
+    , m_listModel(new ReadinessListModel(this))
+    , m_status(new Obd::MonitorStatus())
+    , m_updater(new Obd::ObdParameterUpdater(m_status))
+    , m_inFlight(false)
+    , m_haveStatus(false)
+    , m_connected(false)
+{
+    m_updater->moveToThread(Obd::WorkerThread::instance());
+    connect(m_updater, &Obd::ObdParameterUpdater::updateDone, this, &ReadinessViewModel::onStatusRead);
+    connect(m_connectionManager, &ConnectionManager::connected, this, &ReadinessViewModel::onConnected);
+    connect(m_connectionManager, &ConnectionManager::disconnected, this,
+            &ReadinessViewModel::onDisconnected);
+}
+
+ReadinessViewModel::~ReadinessViewModel()
+{
+    qDeleteAll(m_counters);
+    Obd::ObdParameterUpdater::dispose(m_updater, m_status);
+}
+
+void ReadinessViewModel::setView(QObject* view)
+{
+    detachView(m_view, this);
+    m_view = view;
+    if (!m_view)
+        return;
+    connect(m_view, &QObject::destroyed, this, &ReadinessViewModel::onViewDestroyed);
+    showState();
+    read();
+}
+
+void ReadinessViewModel::setContext(QQmlContext* context)
+{
+    context->setContextProperty("readinessListModel", m_listModel);
+}
+
+ReadinessListModel* ReadinessViewModel::listModel() const
+{
+    return m_listModel;
+}
+
+QString ReadinessViewModel::verdict() const
+{
+    return m_verdict;
+}
+
+void ReadinessViewModel::onConnected()
+{
+    m_connected = true;
+    showState();
+    read();
+}
+
+void ReadinessViewModel::onDisconnected()
+{
+    m_connected = false;
+    m_updater->setProxy(nullptr);
+    for (Obd::Sensor* counter : m_counters)
+        counter->setProxy(nullptr);
+    // The last readings stay on screen, greyed.
+    showState();
+}
+
+void ReadinessViewModel::onViewDestroyed()
+{
+    m_view = nullptr;
+}
+
+void ReadinessViewModel::read()
+{
+    if (!m_view || !m_connected || m_inFlight)
+        return;
+    Obd::IObdProxy* proxy = m_connectionManager->proxy();
+    std::vector<Obd::EcuPtr> ecus;
+    if (proxy)
+        proxy->getEcus(ecus);
+    m_ecus.clear();
+    qDeleteAll(m_counters);
+    m_counters.clear();
+    m_haveStatus = false;
+    const Obd::UnitSystem units = QSettings().value(LiveDataViewModel::KEY_UNIT_SYSTEM).toInt() == Obd::US_IMPERIAL
+        ? Obd::US_IMPERIAL : Obd::US_METRIC;
+    for (const Obd::EcuPtr& ecu : ecus) {
+        if (!ecu || !ecu->isSupported(1, 0x01))
+            continue;
+        m_ecus.push_back(*ecu);
+        for (unsigned char pid : COUNTER_PIDS) {
+            Obd::Sensor* counter = ecu->isSupported(1, pid) ? Obd::SensorCreator::createSensor(*ecu, pid) : nullptr;
+            if (!counter)
+                continue;
+            counter->setProxy(proxy);
+            counter->setUnitSystem(units);
+            connect(counter, qOverload<>(&Obd::Sensor::changed), this, &ReadinessViewModel::compose);
+            counter->updateNow();
+            m_counters.append(counter);
+        }
+    }
+    m_inFlight = true;
+    m_updater->setProxy(proxy);
+    Obd::ObdParameterUpdater::requestUpdate(m_updater);
+    compose();
+}
+
+void ReadinessViewModel::onStatusRead(bool success)
+{
+    Obd::ObdParameterUpdater::resultReceived(m_updater);
+    m_inFlight = false;
+    m_haveStatus = success;
+    compose();
+}
+
+void ReadinessViewModel::compose()
+{
+    QVector<Row> rows;
+    QStringList notReady;
+    for (const Obd::Ecu& ecu : m_ecus) {
+        const QString name = QString::fromStdString(ecu.getShortName());
+        const QString header = QStringLiteral("%1 (0x%2)").arg(name, QString::number(ecu.getId(), 16).toUpper());
+        if (m_haveStatus) {
+            rows.append({ header, "Malfunction indicator lamp", m_status->isMilOn(ecu) ? "On" : "Off",
+                          m_status->isMilOn(ecu) ? ReadinessListModel::Incomplete : ReadinessListModel::Reading });
+            rows.append({ header, "Confirmed trouble codes", QString::number(m_status->getDtcCount(ecu)),
+                          ReadinessListModel::Reading });
+            const bool compression = m_status->isCompressionIgnition(ecu);
+            const unsigned int first = compression ? FIRST_COMPRESSION : FIRST_SPARK;
+            const unsigned int last = compression ? LAST_COMPRESSION : LAST_SPARK;
+            for (unsigned int id = 0; id <= last; ++id) {
+                if (id > LAST_CONTINUOUS && id < first)
+                    continue;
+                const QString monitor = QString::fromStdString(Obd::MonitorStatus::getMonitorName(id));
+                if (!m_status->isSupported(ecu, id)) {
+                    rows.append({ header, monitor, "Not supported", ReadinessListModel::NotSupported });
+                } else if (m_status->isComplete(ecu, id)) {
+                    rows.append({ header, monitor, "Complete", ReadinessListModel::Complete });
+                } else {
+                    rows.append({ header, monitor, "Incomplete", ReadinessListModel::Incomplete });
+                    notReady << QStringLiteral("%1 (%2)").arg(monitor, name);
+                }
+            }
+        }
+        for (const Obd::Sensor* counter : m_counters) {
+            const QList<Obd::SensorValue*> values = counter->getValues();
+            if (counter->getEcuId() != ecu.getId() || values.isEmpty() || values.first()->getValue().isEmpty())
+                continue;
+            rows.append({ header, counter->getTitle(),
+                          (values.first()->getValue() + QLatin1Char(' ') + values.first()->getUnit()).trimmed(),
+                          ReadinessListModel::Reading });
+        }
+    }
+    if (!m_haveStatus)
+        m_verdict = m_inFlight ? QStringLiteral("Reading the monitors...") : QString();
+    else if (m_ecus.empty())
+        m_verdict = QStringLiteral("No control unit reports its monitors");
+    else
+        m_verdict = notReady.isEmpty() ? QString::fromLatin1(READY)
+                                       : QStringLiteral("Not ready yet: ") + notReady.join(QStringLiteral(", "));
+    m_listModel->setRows(rows);
+    showState();
+}
+
+void ReadinessViewModel::showState()
+{
+    if (!m_view)
+        return;
+    m_view->setProperty("connectionStatus", m_connected ? 2 : 0);
+    m_view->setProperty("verdict", m_verdict);
+    m_view->setProperty("ready", m_verdict == QLatin1String(READY));
+}
+
+} // namespace Harmattan

@@ -1,0 +1,70 @@
+#ifndef HARMATTAN_READINESSVIEWMODEL_H
+#define HARMATTAN_READINESSVIEWMODEL_H
+
+#include "ecu.h"
+#include "iviewmodel.h"
+
+#include <QList>
+#include <QObject>
+#include <QPointer>
+#include <QString>
+
+#include <vector>
+
+namespace Obd {
+class MonitorStatus;
+class ObdParameterUpdater;
+class Sensor;
+}
+
+namespace Harmattan {
+
+class ConnectionManager;
+class ReadinessListModel;
+
+// Readiness: per ECU the lamp, the confirmed codes, every monitor and the
+// distance and time counters, read once per opening of the screen, and
+// whether the car would pass an emissions inspection.
+class ReadinessViewModel : public QObject, public IViewModel
+{
+    Q_OBJECT
+
+public:
+    static const char* const READY;
+
+    explicit ReadinessViewModel(ConnectionManager* connectionManager, QObject* parent = nullptr);
+    ~ReadinessViewModel() override;
+
+    void setView(QObject* view) override;
+    void setContext(QQmlContext* context) override;
+
+    ReadinessListModel* listModel() const;
+    QString verdict() const;
+
+public slots:
+    void onConnected();
+    void onDisconnected();
+    void onViewDestroyed();
+    void onStatusRead(bool success);
+
+private:
+    void read();
+    void compose();
+    void showState();
+
+    QPointer<QObject> m_view;
+    ConnectionManager* m_connectionManager;
+    ReadinessListModel* m_listModel;
+    Obd::MonitorStatus* m_status;
+    Obd::ObdParameterUpdater* m_updater;
+    bool m_inFlight;
+    bool m_haveStatus;
+    bool m_connected;
+    std::vector<Obd::Ecu> m_ecus;
+    QList<Obd::Sensor*> m_counters;
+    QString m_verdict;
+};
+
+} // namespace Harmattan
+
+#endif
