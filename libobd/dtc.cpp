@@ -74,6 +74,23 @@ std::string Dtc::categoryOf(const std::string& code)
     }
 }
 
+bool Dtc::isManufacturerSpecific(const std::string& code)
+{
+    if (code.size() != 5)
+        return false;
+    const char digit = code[1];
+    switch (code[0]) {
+    case 'P':
+        return digit == '1' || (digit == '3' && code[2] >= '0' && code[2] <= '3');
+    case 'B':
+    case 'C':
+    case 'U':
+        return digit == '1' || digit == '2';
+    default:
+        return false;
+    }
+}
+
 bool Dtc::isEmptyPair(unsigned char a, unsigned char b)
 {
     return (a & 0x0F) == 0 && b == 0;

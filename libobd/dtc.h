@@ -30,6 +30,9 @@ public:
     // The code text of two raw bytes, e.g. 01 33 -> "P0133"; empty for an
     // empty pair.
     static std::string codeFromBytes(unsigned char a, unsigned char b);
+    // P1xxx, P3000-P33FF, B1xxx-B2xxx, C1xxx-C2xxx and U1xxx-U2xxx: the
+    // ranges left to the vehicle makers. Upper case, five characters only.
+    static bool isManufacturerSpecific(const std::string& code);
     // A record for a code: description from the database, category text.
     static Dtc describe(const std::string& code);
 

@@ -26,7 +26,7 @@ std::string DtcReader::getDescription(const std::string& code) const
 {
     auto it = m_codes.find(code);
     if (it == m_codes.end())
-        return "ISO/SAE Reserved";
+        return Dtc::isManufacturerSpecific(code) ? "manufacturer-specific" : "ISO/SAE Reserved";
     return it->second;
 }
 

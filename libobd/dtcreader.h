@@ -25,7 +25,8 @@ public:
     DtcReader();
     virtual ~DtcReader();
 
-    // "ISO/SAE Reserved" when the code is not known. No case folding.
+    // When the code is not known: "manufacturer-specific" in the makers'
+    // ranges, else "ISO/SAE Reserved". No case folding.
     std::string getDescription(const std::string& code) const;
     // By the first character; throws std::out_of_range for an empty code.
     std::string getCategory(const std::string& code) const;

@@ -59,11 +59,14 @@ TEST(Dtc, CodeFromTwoBytesWithCategoryAndDescription)
     };
     const Row rows[] = {
         { "03 00: 00 = P, 0, 3, 00", 0x03, 0x00, "P0300", "Powertrain", "Random/Multiple Cylinder Misfire Detected" },
-        { "12 34: 00 = P, 1 (manufacturer, not in the database)", 0x12, 0x34, "P1234", "Powertrain", "ISO/SAE Reserved" },
+        { "12 34: 00 = P, 1 (manufacturer, not in the database)", 0x12, 0x34, "P1234", "Powertrain", "manufacturer-specific" },
         { "20 35: 00 = P, 2", 0x20, 0x35, "P2035", "Powertrain", "Exhaust Gas Temperature Sensor Circuit Low (Bank 2 Sensor 2)" },
         { "40 35: 01 = C, 0", 0x40, 0x35, "C0035", "Chassis", "Right Front Wheel Speed Sensor Supply" },
         { "80 01: 10 = B, 0", 0x80, 0x01, "B0001", "Body", "Driver Frontal Stage 1 Deployment Control" },
-        { "9A BC: 10 = B, 1, A, BC in upper case", 0x9A, 0xBC, "B1ABC", "Body", "ISO/SAE Reserved" },
+        { "9A BC: 10 = B, 1, A, BC in upper case", 0x9A, 0xBC, "B1ABC", "Body", "manufacturer-specific" },
+        { "33 FF: P3, 3 (last of the makers' P3 block)", 0x33, 0xFF, "P33FF", "Powertrain", "manufacturer-specific" },
+        { "34 A0: P3, 4 (past the makers' P3 block, not in the database)", 0x34, 0xA0, "P34A0", "Powertrain", "ISO/SAE Reserved" },
+        { "6F FF: 01 = C, 2 (makers')", 0x6F, 0xFF, "C2FFF", "Chassis", "manufacturer-specific" },
         { "C1 00: 11 = U, 0", 0xC1, 0x00, "U0100", "Network", "Lost Communication With ECM/PCM \"A\"" },
         { "F0 11: 11 = U, 3", 0xF0, 0x11, "U3011", "Network", "Ignition Input Off" },
         { "00 01: B alone makes a code", 0x00, 0x01, "P0001", "Powertrain", nullptr },

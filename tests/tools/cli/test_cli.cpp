@@ -203,7 +203,7 @@ TEST(CliDatabase, LookupAndSearchNeedNoAdapter)
     ASSERT_EQ(3, codes.size());
     EXPECT_TRUE(codes[0].toObject()["description"].toString().contains("Misfire"));
     EXPECT_EQ("Network", codes[1].toObject()["category"].toString().toStdString());
-    EXPECT_EQ("ISO/SAE Reserved", codes[2].toObject()["description"].toString().toStdString());
+    EXPECT_EQ("manufacturer-specific", codes[2].toObject()["description"].toString().toStdString());
     const QJsonArray found = runCli({"--json", "search", "misfire"}).json()["codes"].toArray();
     EXPECT_GT(found.size(), 10);
     for (const QJsonValue& v : found)
