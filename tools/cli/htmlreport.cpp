@@ -27,7 +27,11 @@ const char* stateText(HtmlReport::MonitorState state)
     }
 }
 
-const char UNREAD[] = "<p class=\"bad\">could not read</p>";
+std::string unread(const std::string& why)
+{
+    return "<p class=\"bad\">could not read" + (why.empty() ? "" : " (" + HtmlReport::escaped(why) + ")") +
+           "</p>";
+}
 
 } // namespace
 
@@ -90,6 +94,8 @@ std::string HtmlReport::render(const Data& data)
         if (!ecu.vin.empty())
             h << "<tr><th>VIN (ECU " << escaped(ecu.id) << ")</th><td><code>" << escaped(ecu.vin)
               << "</code></td></tr>";
+        else if (!ecu.vinWhy.empty())
+            h << "<tr><th>VIN (ECU " << escaped(ecu.id) << ")</th><td>" << unread(ecu.vinWhy) << "</td></tr>";
         for (const std::string& id : ecu.calibrationIds)
             h << "<tr><th>Calibration ID (ECU " << escaped(ecu.id) << ")</th><td><code>" << escaped(id)
               << "</code></td></tr>";
@@ -106,10 +112,10 @@ std::string HtmlReport::render(const Data& data)
         h << "</ul></div>\n";
     }
 
-    auto codes = [&](const char* title, bool read, const std::vector<Code>& list) {
+    auto codes = [&](const char* title, bool read, const std::string& why, const std::vector<Code>& list) {
         h << "<h3>" << title << "</h3>";
         if (!read) {
-            h << UNREAD;
+            h << unread(why);
         } else if (list.empty()) {
             h << "<p class=\"ok\">none</p>";
         } else {
@@ -123,13 +129,13 @@ std::string HtmlReport::render(const Data& data)
     };
     for (const Ecu& ecu : data.ecus) {
         h << "<h2>ECU " << escaped(ecu.id) << " " << escaped(ecu.name) << "</h2>\n";
-        codes("Stored trouble codes", ecu.codesRead, ecu.stored);
-        codes("Pending trouble codes", ecu.pendingRead, ecu.pending);
+        codes("Stored trouble codes", ecu.codesRead, ecu.codesWhy, ecu.stored);
+        codes("Pending trouble codes", ecu.pendingRead, ecu.pendingWhy, ecu.pending);
         if (ecu.hasFreezeFrame) {
             h << "<h3>Freeze frame" << (ecu.freezeFrameCode.empty() ? "" : " of " + escaped(ecu.freezeFrameCode))
               << "</h3>";
             if (!ecu.freezeFrameRead) {
-                h << UNREAD;
+                h << unread(ecu.freezeFrameWhy);
             } else {
                 h << "<table>";
                 for (const Value& value : ecu.freezeFrame)
@@ -141,7 +147,7 @@ std::string HtmlReport::render(const Data& data)
         if (ecu.hasStatus) {
             h << "<h3>Readiness</h3>";
             if (!ecu.statusRead) {
-                h << UNREAD;
+                h << unread(ecu.statusWhy);
             } else {
                 h << "<table><tr><th>MIL</th><td>"
                   << (ecu.mil ? "<span class=\"bad\">on</span>" : "<span class=\"ok\">off</span>")
@@ -156,7 +162,7 @@ std::string HtmlReport::render(const Data& data)
         if (ecu.hasTests) {
             h << "<h3>On-board test results</h3>";
             if (!ecu.testsRead) {
-                h << UNREAD;
+                h << unread(ecu.testsWhy);
             } else {
                 h << "<table><tr><th>Test</th><th>Value</th><th>Limits</th><th>Result</th></tr>";
                 for (const Test& test : ecu.tests)

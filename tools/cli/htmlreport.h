@@ -40,8 +40,10 @@ public:
         std::string id;   // "7E8"
         std::string name; // "ECM - EngineControl"
         std::string vin;
+        std::string vinWhy; // why a VIN the ECU has could not be read
         std::vector<std::string> calibrationIds;
-        // false: the item could not be read (said so, never shown as none)
+        // false: the item could not be read (said so, never shown as none),
+        // for the reason in the matching ...Why
         bool codesRead = false;
         std::vector<Code> stored;
         bool pendingRead = false;
@@ -58,6 +60,7 @@ public:
         bool hasTests = false;
         bool testsRead = false;
         std::vector<Test> tests;
+        std::string codesWhy, pendingWhy, statusWhy, freezeFrameWhy, testsWhy;
     };
     struct Data
     {

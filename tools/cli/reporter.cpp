@@ -21,31 +21,17 @@
 #include <ctime>
 #include <fstream>
 #include <memory>
-#include <set>
 
 namespace Cli {
 
 namespace {
 
-// Remembers which ECUs' answers decoded, for parameters that cannot say.
-template <class Base>
-class Answered : public Base
+// True when the ECU's answer was read; else the reason in why.
+bool wasRead(const Obd::ObdParameter& parameter, const Obd::Ecu& ecu, std::string& why)
 {
-public:
-    using Base::Base;
-    bool decode(unsigned int ecuId, const std::vector<unsigned char>& data) override
-    {
-        const bool ok = Base::decode(ecuId, data);
-        if (ok)
-            ecus.insert(ecuId);
-        return ok;
-    }
-    std::set<unsigned int> ecus;
-};
-
-bool answered(const std::vector<unsigned int>& ids, const Obd::Ecu& ecu)
-{
-    return std::find(ids.begin(), ids.end(), ecu.getId()) != ids.end();
+    const Obd::ReadStatus status = parameter.readStatus(ecu.getId());
+    why = status.ok() ? std::string() : status.reason;
+    return status.ok();
 }
 
 std::string hex(unsigned int value, bool wide = false)
@@ -102,36 +88,39 @@ HtmlReport::Data Reporter::read()
     Obd::CalibrationIds calibrations;
     Obd::StoredTroubleCodes stored;
     Obd::PendingTroubleCodes pending;
-    Answered<Obd::MonitorStatus> status;
-    std::vector<unsigned int> vinEcus, calibrationEcus, storedEcus, pendingEcus;
-    if (any(9, 0x02) && execute(vin))
-        vin.getEcuIds(vinEcus);
-    if (any(9, 0x04) && execute(calibrations))
-        calibrations.getEcuIds(calibrationEcus);
-    if (execute(stored))
-        stored.getEcuIds(storedEcus);
-    if (execute(pending))
-        pending.getEcuIds(pendingEcus);
+    Obd::MonitorStatus status;
+    // Each ECU's own read status then says whether its part could be read.
+    if (any(9, 0x02))
+        execute(vin);
+    if (any(9, 0x04))
+        execute(calibrations);
+    execute(stored);
+    execute(pending);
     if (any(1, 0x01))
         execute(status);
+    std::string why;
 
     for (const Obd::EcuPtr& ecu : ecus) {
         HtmlReport::Ecu item;
         item.id = hex(ecu->getId(), ecu->getId() > 0xFFF);
         item.name = ecu->getShortName() + " - " + ecu->getLongName();
-        if (answered(vinEcus, *ecu) && vin.hasVin(*ecu))
-            item.vin = vin.getVin(*ecu);
-        if (answered(calibrationEcus, *ecu))
+        if (ecu->isSupported(9, 0x02)) {
+            if (wasRead(vin, *ecu, item.vinWhy) && vin.hasVin(*ecu))
+                item.vin = vin.getVin(*ecu);
+            else if (item.vinWhy.empty())
+                item.vinWhy = "empty VIN";
+        }
+        if (ecu->isSupported(9, 0x04) && wasRead(calibrations, *ecu, why))
             item.calibrationIds = calibrations.getCalibrationIds(*ecu);
-        item.codesRead = answered(storedEcus, *ecu);
+        item.codesRead = wasRead(stored, *ecu, item.codesWhy);
         if (item.codesRead)
             item.stored = codesOf(stored, *ecu);
-        item.pendingRead = answered(pendingEcus, *ecu);
+        item.pendingRead = wasRead(pending, *ecu, item.pendingWhy);
         if (item.pendingRead)
             item.pending = codesOf(pending, *ecu);
 
         item.hasStatus = ecu->isSupported(1, 0x01);
-        item.statusRead = status.ecus.count(ecu->getId()) > 0;
+        item.statusRead = item.hasStatus && wasRead(status, *ecu, item.statusWhy);
         if (item.statusRead) {
             item.mil = status.isMilOn(*ecu);
             item.confirmed = static_cast<int>(status.getDtcCount(*ecu));
@@ -150,8 +139,9 @@ HtmlReport::Data Reporter::read()
         // The frame is there when the ECU lists its code PID under service 02.
         item.hasFreezeFrame = ecu->isSupported(2, 0x02);
         if (item.hasFreezeFrame) {
-            Answered<Obd::FreezeFrameTroubleCode> code;
-            item.freezeFrameRead = execute(code) && code.ecus.count(ecu->getId());
+            Obd::FreezeFrameTroubleCode code;
+            execute(code);
+            item.freezeFrameRead = wasRead(code, *ecu, item.freezeFrameWhy);
             if (item.freezeFrameRead)
                 item.freezeFrameCode = code.getCode(*ecu);
             std::vector<unsigned char> pids;
@@ -163,7 +153,8 @@ HtmlReport::Data Reporter::read()
                 if (!value)
                     continue;
                 std::vector<std::string> texts;
-                if (execute(*value))
+                execute(*value);
+                if (wasRead(*value, *ecu, why))
                     value->getFormattedValues(*ecu, Obd::US_METRIC, texts);
                 std::vector<Obd::SensorInfo*> infos;
                 value->getSensorInfos(infos);
@@ -172,7 +163,8 @@ HtmlReport::Data Reporter::read()
                     std::string unit = i < infos.size() ? Obd::unitText(infos[i]->getUnit(Obd::US_METRIC)) : "";
                     text += (i ? ", " : "") + texts[i] + (unit.empty() ? "" : " " + unit);
                 }
-                item.freezeFrame.push_back({value->getName(*ecu), text.empty() ? "could not read" : text});
+                item.freezeFrame.push_back(
+                    {value->getName(*ecu), text.empty() ? "could not read" + (why.empty() ? "" : " (" + why + ")") : text});
             }
         }
 
@@ -183,11 +175,12 @@ HtmlReport::Data Reporter::read()
         item.hasTests = !ids.empty();
         for (unsigned char id : ids) {
             Obd::MonitorTestResult result(id);
-            std::vector<unsigned int> answeredBy;
-            if (execute(result))
-                result.getEcuIds(answeredBy);
-            if (!answered(answeredBy, *ecu))
+            execute(result);
+            if (!wasRead(result, *ecu, why)) {
+                if (item.testsWhy.empty())
+                    item.testsWhy = why;
                 continue;
+            }
             item.testsRead = true;
             for (unsigned char mid : result.getMids(*ecu)) {
                 const std::string name = can ? Obd::MonitorTestResult::getMidName(mid) : "TID $" + hex(mid);

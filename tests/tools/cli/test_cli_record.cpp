@@ -204,12 +204,14 @@ TEST(CliReport, TextFromTheCarIsEscapedAndAnUnreadItemSaidSo)
     ecu.vin = "<script>alert('x')</script>";
     ecu.calibrationIds = {"CAL&\"\x1b[2J"};
     ecu.hasStatus = true;
+    ecu.codesWhy = "adapter error: <CAN ERROR>";
     data.ecus.push_back(ecu);
     const std::string page = Cli::HtmlReport::render(data);
     for (const char* raw : {"<script>", "<b>", "CAL&\"", "\x1b"}) {
         EXPECT_EQ(std::string::npos, page.find(raw)) << raw;
     }
-    for (const char* shown : {"&lt;script&gt;alert(&#39;x&#39;)", "&lt;b&gt;v9", "CAL&amp;&quot;&#27;[2J"}) {
+    for (const char* shown : {"&lt;script&gt;alert(&#39;x&#39;)", "&lt;b&gt;v9", "CAL&amp;&quot;&#27;[2J",
+                              "could not read (adapter error: &lt;CAN ERROR&gt;)"}) {
         EXPECT_NE(std::string::npos, page.find(shown)) << shown;
     }
     // Codes and readiness not read: said so, never shown as none or as ready.
