@@ -105,8 +105,12 @@ void DtcDataModel::readCodes(const DtcParameter* parameter, std::vector<Dtc>& li
         std::stable_partition(ecus.begin(), ecus.end(),
                               [&](const EcuPtr& ecu) { return ecu && ecu->getId() == first->getId(); });
     for (const EcuPtr& ecu : ecus) {
-        if (ecu && std::find(answered.begin(), answered.end(), ecu->getId()) != answered.end())
-            parameter->getDtcs(*ecu, list);
+        if (!ecu || std::find(answered.begin(), answered.end(), ecu->getId()) == answered.end())
+            continue;
+        const size_t first = list.size();
+        parameter->getDtcs(*ecu, list);
+        for (size_t i = first; i < list.size(); ++i)
+            list[i].setEcu(ecu->getShortName(), ecu->getId());
     }
 }
 

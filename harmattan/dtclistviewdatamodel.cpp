@@ -8,11 +8,11 @@ DtcListViewDataModel::DtcListViewDataModel(QObject* parent)
 }
 
 void DtcListViewDataModel::append(const QString& code, const QString& description,
-                                  const QString& system)
+                                  const QString& system, const QString& ecu, const QString& ecuAddress)
 {
     const int row = m_rows.size();
     beginInsertRows(QModelIndex(), row, row);
-    m_rows.append(Row{code, description, system});
+    m_rows.append(Row{code, description, system, ecu, ecuAddress});
     endInsertRows();
     emit countChanged();
 }
@@ -59,6 +59,10 @@ QVariant DtcListViewDataModel::data(const QModelIndex& index, int role) const
         return row.description;
     case SystemRole:
         return row.system;
+    case EcuRole:
+        return row.ecu;
+    case EcuAddressRole:
+        return row.ecuAddress;
     default:
         return QVariant();
     }
@@ -78,12 +82,15 @@ QVariantMap DtcListViewDataModel::get(int index) const
     map.insert(QStringLiteral("code"), row.code);
     map.insert(QStringLiteral("description"), row.description);
     map.insert(QStringLiteral("system"), row.system);
+    map.insert(QStringLiteral("ecu"), row.ecu);
+    map.insert(QStringLiteral("ecuAddress"), row.ecuAddress);
     return map;
 }
 
 QHash<int, QByteArray> DtcListViewDataModel::roleNames() const
 {
-    return {{CodeRole, "code"}, {DescriptionRole, "description"}, {SystemRole, "system"}};
+    return {{CodeRole, "code"}, {DescriptionRole, "description"}, {SystemRole, "system"},
+            {EcuRole, "ecu"}, {EcuAddressRole, "ecuAddress"}};
 }
 
 int DtcListViewDataModel::count() const

@@ -58,6 +58,22 @@ void Dtc::setCategory(const std::string& category)
     m_category = category;
 }
 
+std::string Dtc::getEcuName() const
+{
+    return m_ecuName;
+}
+
+unsigned int Dtc::getEcuId() const
+{
+    return m_ecuId;
+}
+
+void Dtc::setEcu(const std::string& shortName, unsigned int id)
+{
+    m_ecuName = shortName;
+    m_ecuId = id;
+}
+
 std::string Dtc::categoryOf(const std::string& code)
 {
     switch (code.empty() ? '\0' : code[0]) {

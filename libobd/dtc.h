@@ -20,6 +20,11 @@ public:
     void setDescription(const std::string& description);
     std::string getCategory() const;
     void setCategory(const std::string& category);
+    // The ECU that reported the code: short name and address; empty and 0
+    // until set.
+    std::string getEcuName() const;
+    unsigned int getEcuId() const;
+    void setEcu(const std::string& shortName, unsigned int id);
 
     // By the first character: "Powertrain", "Body", "Chassis", "Network",
     // else (also for an empty code) "Undefined".
@@ -40,6 +45,8 @@ private:
     std::string m_code;
     std::string m_description;
     std::string m_category;
+    std::string m_ecuName;
+    unsigned int m_ecuId = 0;
 };
 
 } // namespace Obd

@@ -53,7 +53,10 @@ void DtcCodeListViewModel::updateView()
     for (const Obd::Dtc& dtc : codes())
         m_listModel->append(QString::fromStdString(dtc.getCode()),
                             QString::fromStdString(dtc.getDescription()),
-                            QString::fromStdString(dtc.getCategory()));
+                            QString::fromStdString(dtc.getCategory()),
+                            QString::fromStdString(dtc.getEcuName()),
+                            dtc.getEcuId() ? QStringLiteral("0x%1").arg(QString::number(dtc.getEcuId(), 16).toUpper())
+                                           : QString());
     if (m_view)
         m_view->setProperty("listModelCount", m_listModel->rowCount());
 }

@@ -1,5 +1,10 @@
+#include "connectionmanager.h"
+#include "dtclistviewdatamodel.h"
+#include "iobdproxy.h"
+#include "navigationmodel.h"
 #include "readinesslistmodel.h"
 #include "uiharness.h"
+#include "viewmodel/pendingdtcviewmodel.h"
 #include "viewmodel/readinessviewmodel.h"
 #include "zarvane.h"
 
@@ -74,6 +79,28 @@ TEST_P(ReadinessViewTest, ShowsEachEcusMonitorsCountersAndTheVerdict)
     EXPECT_EQ(ui->text(page, "verdictText"), "Not connected");
     EXPECT_GT(model()->rowCount(), 0);
     ui->picture(QString("readiness_%1_lost").arg(vehicle.profile));
+}
+
+TEST_P(ReadinessViewTest, EachPendingCodeNamesTheEcuThatReportedIt)
+{
+    ASSERT_TRUE(connectToSim(options(GetParam().profile)));
+    QObject* page = ui->open(Harmattan::NavigationModel::DtcView);
+    ASSERT_TRUE(codesShown(page));
+    ASSERT_TRUE(ui->tap(page, "pendingRow"));
+    ASSERT_TRUE(ui->settle());
+    QStringList expected;
+    for (const ElmSim::EcuProfile& ecu : sim->profile().ecus)
+        for (const std::string& code : ecu.pendingDtcs)
+            expected << QStringLiteral("%1 %2 (0x%3)").arg(QString::fromStdString(code),
+                QString::fromStdString(ui->app()->connectionManager()->proxy()->getEcu(ecu.id)->getShortName()),
+                QString::number(ecu.id, 16).toUpper());
+    QStringList shown;
+    const Obd::DtcListViewDataModel* list = ui->app()->pendingDtcViewModel()->listModel();
+    for (int i = 0; i < list->rowCount(); ++i) {
+        const QVariantMap row = list->get(i);
+        shown << QStringLiteral("%1 %2 (%3)").arg(row["code"].toString(), row["ecu"].toString(), row["ecuAddress"].toString());
+    }
+    EXPECT_EQ(shown, expected);
 }
 
 INSTANTIATE_TEST_SUITE_P(Buses, ReadinessViewTest,
