@@ -40,7 +40,7 @@ public:
     static const char* const VEHICLE_NOT_RESPONDING;
     // How long every request may meet NO DATA or UNABLE TO CONNECT before
     // the vehicle counts as not responding.
-    static const int SILENCE_LIMIT_MS = 5000;
+    static constexpr int SILENCE_LIMIT_MS = 5000;
 
     // The wait before reconnect attempt n (0 the first): 1, 2, 4, 8 s, then
     // every 15 s.

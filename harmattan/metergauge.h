@@ -28,8 +28,8 @@ class MeterGauge : public QQuickPaintedItem
     Q_PROPERTY(qreal value READ value WRITE setValue NOTIFY valueChanged)
 
 public:
-    static const int ANIMATION_MS = 250;
-    static const int CALIBRATION_DELAY_MS = 800;
+    static constexpr int ANIMATION_MS = 250;
+    static constexpr int CALIBRATION_DELAY_MS = 800;
 
     explicit MeterGauge(QQuickItem* parent = nullptr);
     ~MeterGauge() override;

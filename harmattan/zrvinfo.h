@@ -14,7 +14,7 @@ class ZrvInfo : public QObject
     Q_OBJECT
 
 public:
-    static const int DEFAULT_TIMEOUT_MS = 3000;
+    static constexpr int DEFAULT_TIMEOUT_MS = 3000;
 
     explicit ZrvInfo(QObject* parent = nullptr);
     explicit ZrvInfo(const QString& text, QObject* parent = nullptr);

@@ -41,7 +41,7 @@ public:
     void removeLogger(ILogger* logger) override;
 
     // Bytes a peer may send without a delimiter before they are dropped.
-    static const size_t MAX_PENDING = 64 * 1024;
+    static constexpr size_t MAX_PENDING = 64 * 1024;
 
 private:
     Connection(const Connection&) = delete;

@@ -39,8 +39,8 @@ public:
 
     // Bounds for a reply to reach its prompt: slow Bluetooth clones take
     // 600 ms for an AT reply and 1.5 s for a reset.
-    static const unsigned int AT_TIMEOUT_MS = 2000;
-    static const unsigned int RESET_TIMEOUT_MS = 3000;
+    static constexpr unsigned int AT_TIMEOUT_MS = 2000;
+    static constexpr unsigned int RESET_TIMEOUT_MS = 3000;
 
     ElmScantool();
     ~ElmScantool() override;

@@ -17,7 +17,7 @@ namespace Obd {
 class MultiPidRequest : public ObdParameter
 {
 public:
-    static const size_t MAX_PIDS = 6;
+    static constexpr size_t MAX_PIDS = 6;
     typedef std::pair<unsigned char, ObdParameter*> Item;
 
     // Only PIDs of a fixed length can be split out of a joint answer.

@@ -30,9 +30,9 @@ class DashboardViewModel : public QObject, public IViewModel
     Q_OBJECT
 
 public:
-    static const int REFRESH_MS = 250;
+    static constexpr int REFRESH_MS = 250;
     // Leaves the meters time for their calibration sweep.
-    static const int START_DELAY_MS = 1000;
+    static constexpr int START_DELAY_MS = 1000;
 
     explicit DashboardViewModel(ConnectionManager* connectionManager, QObject* parent = nullptr);
     ~DashboardViewModel() override;

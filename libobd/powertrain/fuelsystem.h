@@ -19,7 +19,7 @@ public:
     };
 
     // Start value of both indices; also what an unknown ECU yields.
-    static const unsigned int NOT_REPORTED = 5;
+    static constexpr unsigned int NOT_REPORTED = 5;
 
     explicit FuelSystem(unsigned char mode = 1);
     ~FuelSystem() override;

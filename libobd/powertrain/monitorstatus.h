@@ -15,7 +15,7 @@ class MonitorStatus : public CataloguePid
 public:
     enum MonitorKind { CONTINUOUS = 0, NON_CONTINUOUS = 1 };
     // Monitor ids 0..15 have names; 16 stands for the ignition-type bits.
-    static const unsigned int IGNITION_TYPE = 16;
+    static constexpr unsigned int IGNITION_TYPE = 16;
 
     explicit MonitorStatus(unsigned char mode = 1);
     ~MonitorStatus() override;
