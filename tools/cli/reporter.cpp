@@ -37,7 +37,7 @@ bool wasRead(const Obd::ObdParameter& parameter, const Obd::Ecu& ecu, std::strin
 std::string hex(unsigned int value, bool wide = false)
 {
     char text[16];
-    std::snprintf(text, sizeof text, wide ? "%08X" : (value > 0xFF ? "%03X" : "%02X"), value);
+    std::snprintf(text, sizeof text, wide ? "%08X" : "%03X", value);
     return text;
 }
 
@@ -49,6 +49,14 @@ std::vector<HtmlReport::Code> codesOf(const Obd::DtcParameter& parameter, const 
     for (const Obd::Dtc& dtc : found)
         codes.push_back({dtc.getCode(), dtc.getDescription()});
     return codes;
+}
+
+// Tests on older protocols have one limit only.
+std::string limits(const std::string& minimum, const std::string& maximum)
+{
+    if (minimum.empty())
+        return maximum.empty() ? std::string() : "at most " + maximum;
+    return maximum.empty() ? "at least " + minimum : minimum + " .. " + maximum;
 }
 
 } // namespace
@@ -183,12 +191,13 @@ HtmlReport::Data Reporter::read()
             }
             item.testsRead = true;
             for (unsigned char mid : result.getMids(*ecu)) {
-                const std::string name = can ? Obd::MonitorTestResult::getMidName(mid) : "TID $" + hex(mid);
+                const std::string name =
+                    can ? Obd::MonitorTestResult::getMidName(mid) : "TID $" + hex(mid).substr(1);
                 for (const auto& test : result.getTestItems(*ecu, mid)) {
                     const std::string unit = Obd::unitText(test->getUnit());
                     item.tests.push_back({name + " / " + test->getTidName(),
                                           test->getValueText() + (unit.empty() ? "" : " " + unit),
-                                          test->getMinimumText() + " .. " + test->getMaximumText(),
+                                          limits(test->getMinimumText(), test->getMaximumText()),
                                           test->isPassed()});
                 }
             }
