@@ -484,7 +484,7 @@ bool ElmScantool::exchange(const std::vector<unsigned char>& command,
     }
     // An echo the adapter still prints (a refused ATE0, or settings lost) is no data.
     const std::string echo(command.begin(), command.end());
-    if (!lines.empty() && lines.front() == echo)
+    if (!lines.empty() && trimmed(lines.front()) == echo)
         lines.erase(lines.begin());
     std::string joined;
     std::string dropped;
@@ -583,7 +583,7 @@ int ElmScantool::readLines(std::vector<std::string>& lines, unsigned int timeout
     } else if (status == 1) {
         // The adapter may still answer: its prompt belongs to this command.
         ++m_owed;
-        m_owedBoundMs = std::max(timeoutMs, AT_TIMEOUT_MS);
+        m_owedBoundMs = timeoutMs;
     }
     return status;
 }
