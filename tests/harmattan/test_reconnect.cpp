@@ -92,6 +92,8 @@ TEST_F(Reconnect, LostAdapterIsReopenedUnlessTheUserGivesUp)
         ASSERT_TRUE(waitUntil([&] { return reconnecting() && status() == "Reconnecting..."; }, READ_WAIT_MS));
         EXPECT_EQ(ui->banner()->property("text").toString(), "Connectivity suddenly lost");
         EXPECT_TRUE(ui->mainView()->findChild<QObject*>("cancelButton")->property("visible").toBool());
+        if (row.reopens)
+            ui->picture("reconnecting");
         row.whileReconnecting();
         ASSERT_FALSE(HasFatalFailure());
         if (!row.reopens) {
@@ -128,6 +130,9 @@ TEST_F(Reconnect, QuietVehicleIsShownAndFollowedWithoutDroppingTheLink)
         ASSERT_TRUE(dashboardPolls());
         sim->injectError(row.word, 1000000);
         EXPECT_TRUE(waitUntil([&] { return status() == "Vehicle not responding"; }, READ_WAIT_MS));
+        ui->open(Harmattan::NavigationModel::MainView);
+        ui->picture("vehicle-not-responding");
+        ui->open(Harmattan::NavigationModel::DashboardView);
         sim->injectError(row.word, 0);
         EXPECT_TRUE(dashboardPolls()) << "values did not come back";
         EXPECT_TRUE(waitUntil([&] { return status() == "Connected"; }, READ_WAIT_MS));

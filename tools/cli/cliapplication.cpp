@@ -525,88 +525,115 @@ int CliApplication::clear(Session& session, Printer& printer)
     return EXIT_OK;
 }
 
+// A line that marks a gap in the samples; a record with --json.
+static void liveEvent(Printer& printer, const std::string& text, double gapSeconds)
+{
+    if (!printer.isJson()) {
+        printer.line("-- " + text);
+        return;
+    }
+    QJsonObject record;
+    record["event"] = QString::fromStdString(text);
+    if (gapSeconds >= 0)
+        record["gap"] = gapSeconds;
+    printer.record(record);
+}
+
 int CliApplication::live(Session& session, Printer& printer)
 {
     std::vector<unsigned char> pids;
     resolvePids(pids);
     Obd::UnitSystem system = m_options.imperial ? Obd::US_IMPERIAL : Obd::US_METRIC;
-    std::vector<Obd::EcuPtr> all = ecus(session);
-    // Show the first ECU that has every PID, else the first one.
-    Obd::EcuPtr ecu = all.front();
-    for (const Obd::EcuPtr& candidate : all) {
-        bool hasAll = std::all_of(pids.begin(), pids.end(), [&](unsigned char pid) {
-            return candidate->isSupported(1, pid);
-        });
-        if (hasAll) {
-            ecu = candidate;
-            break;
-        }
-    }
-    LiveListener listener(*ecu, system);
-    Obd::SensorFactory factory;
-    Obd::MessagePoller poller(session.proxy());
-    for (unsigned char pid : pids)
-        poller.addPid(pid, factory, m_options.periodMs, &listener);
-    poller.start();
-
-    // The first line waits for a first value of every PID (a slow adapter or
-    // a K-line car needs a while), so it is not a line of blanks.
-    auto firstDeadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-    while (listener.samples().size() < pids.size() && std::chrono::steady_clock::now() < firstDeadline &&
-           !interrupted() && !session.isLost())
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-
     int samples = 0;
     bool anyValue = false;
     auto start = std::chrono::steady_clock::now();
     auto next = start;
-    while (!interrupted() && !session.isLost() && (m_options.count < 0 || samples < m_options.count)) {
-        while (std::chrono::steady_clock::now() < next && !interrupted() && !session.isLost())
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        if (interrupted() || session.isLost())
-            break;
-        next += std::chrono::milliseconds(m_options.periodMs);
-        double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-        std::map<unsigned char, LiveListener::Sample> latest = listener.samples();
-        std::ostringstream text;
-        text << std::fixed << std::setprecision(1) << std::setw(7) << seconds << "s";
-        QJsonObject record;
-        record["time"] = seconds;
-        QJsonArray values;
-        for (unsigned char pid : pids) {
-            auto it = latest.find(pid);
-            if (it == latest.end() || it->second.values.empty()) {
-                // Never a dash: the user must not take it for a value.
-                text << "  " << hex(pid) << ": could not read";
-                QJsonObject value;
-                value["pid"] = q(hex(pid));
-                value["error"] = q("could not read");
-                values.append(value);
-                continue;
-            }
-            anyValue = true;
-            const LiveListener::Sample& sample = it->second;
-            text << "  " << sample.name << ":";
-            for (size_t i = 0; i < sample.values.size(); ++i) {
-                std::string unit = i < sample.units.size() ? sample.units[i] : std::string();
-                text << " " << sample.values[i] << (unit.empty() ? "" : " " + unit);
-                QJsonObject value;
-                value["pid"] = q(hex(pid));
-                value["name"] = q(sample.name);
-                value["value"] = q(sample.values[i]);
-                value["unit"] = q(unit);
-                values.append(value);
+    // One round per opened link: with --reconnect a lost link is opened again,
+    // the vehicle found anew, and the lines go on from where they stopped.
+    for (;;) {
+        std::vector<Obd::EcuPtr> all = ecus(session);
+        // Show the first ECU that has every PID, else the first one.
+        Obd::EcuPtr ecu = all.front();
+        for (const Obd::EcuPtr& candidate : all) {
+            bool hasAll = std::all_of(pids.begin(), pids.end(), [&](unsigned char pid) {
+                return candidate->isSupported(1, pid);
+            });
+            if (hasAll) {
+                ecu = candidate;
+                break;
             }
         }
-        record["values"] = values;
-        if (printer.isJson())
-            printer.record(record);
-        else
-            printer.line(text.str());
-        ++samples;
+        LiveListener listener(*ecu, system);
+        Obd::SensorFactory factory;
+        Obd::MessagePoller poller(session.proxy());
+        for (unsigned char pid : pids)
+            poller.addPid(pid, factory, m_options.periodMs, &listener);
+        poller.start();
+
+        // The first line waits for a first value of every PID (a slow adapter or
+        // a K-line car needs a while), so it is not a line of blanks.
+        auto firstDeadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+        while (listener.samples().size() < pids.size() && std::chrono::steady_clock::now() < firstDeadline &&
+               !interrupted() && !session.isLost())
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+
+        while (!interrupted() && !session.isLost() && (m_options.count < 0 || samples < m_options.count)) {
+            while (std::chrono::steady_clock::now() < next && !interrupted() && !session.isLost())
+                std::this_thread::sleep_for(std::chrono::milliseconds(5));
+            if (interrupted() || session.isLost())
+                break;
+            next += std::chrono::milliseconds(m_options.periodMs);
+            double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+            std::map<unsigned char, LiveListener::Sample> latest = listener.samples();
+            std::ostringstream text;
+            text << std::fixed << std::setprecision(1) << std::setw(7) << seconds << "s";
+            QJsonObject record;
+            record["time"] = seconds;
+            QJsonArray values;
+            for (unsigned char pid : pids) {
+                auto it = latest.find(pid);
+                if (it == latest.end() || it->second.values.empty()) {
+                    // Never a dash: the user must not take it for a value.
+                    text << "  " << hex(pid) << ": could not read";
+                    QJsonObject value;
+                    value["pid"] = q(hex(pid));
+                    value["error"] = q("could not read");
+                    values.append(value);
+                    continue;
+                }
+                anyValue = true;
+                const LiveListener::Sample& sample = it->second;
+                text << "  " << sample.name << ":";
+                for (size_t i = 0; i < sample.values.size(); ++i) {
+                    std::string unit = i < sample.units.size() ? sample.units[i] : std::string();
+                    text << " " << sample.values[i] << (unit.empty() ? "" : " " + unit);
+                    QJsonObject value;
+                    value["pid"] = q(hex(pid));
+                    value["name"] = q(sample.name);
+                    value["value"] = q(sample.values[i]);
+                    value["unit"] = q(unit);
+                    values.append(value);
+                }
+            }
+            record["values"] = values;
+            if (printer.isJson())
+                printer.record(record);
+            else
+                printer.line(text.str());
+            ++samples;
+        }
+        poller.stop();
+        poller.wait();
+        if (!m_options.reconnect || !session.isLost() || interrupted())
+            break;
+        const auto lostAt = std::chrono::steady_clock::now();
+        liveEvent(printer, "link lost, reconnecting", -1);
+        if (!session.reopen(m_options, interrupted()))
+            break;
+        const double gap = std::chrono::duration<double>(std::chrono::steady_clock::now() - lostAt).count();
+        liveEvent(printer, "reconnected after " + std::to_string(static_cast<int>(gap + 0.5)) + " s", gap);
+        next = std::chrono::steady_clock::now();
     }
-    poller.stop();
-    poller.wait();
     if (!anyValue) {
         if (!session.isLost())
             m_err << "zarvane-cli: could not read any of the requested values\n";
