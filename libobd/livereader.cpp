@@ -175,6 +175,11 @@ std::vector<bool> LiveReader::read(const std::vector<Item>& items)
     if (m_tuned && !m_adaptiveSent && !ecus.empty()) {
         m_adaptiveSent = true;
         m_adaptive = sendAt("ATAT1");
+        // Every ECU answers the first range of supported PIDs: one timed
+        // answer from each, so that the time-out is never tuned below the
+        // slowest of them.
+        std::string text;
+        exchange("0100", static_cast<unsigned int>(ecus.size()), text);
     }
 
     const bool canShare = m_tuned && isCanProtocol(m_protocol) && scantool->isHeadersOn();

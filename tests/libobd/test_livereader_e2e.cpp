@@ -108,6 +108,7 @@ TEST(LiveReaderE2e, SharedRequestsAndTheirFallbacks)
             items.emplace_back(pid, parameters.back().get());
         }
         LiveReader reader(&link->proxy());
+        reader.read({}); // adaptive timing on, every ECU timed
         for (const Reading& reading : row.readings) {
             link->server().injectError(reading.injected, reading.count);
             const size_t before = link->server().requestLog().size();
@@ -140,5 +141,6 @@ TEST(LiveReaderE2e, PollerAsksForItsDuePidsTogetherAndTunesTheAdapter)
     const Lines log = link->server().requestLog();
     EXPECT_GE(std::count(log.begin(), log.end(), "01050c0d2"), 5);
     EXPECT_EQ(1, std::count(log.begin(), log.end(), "ATAT1"));
+    EXPECT_EQ(1, std::count(log.begin(), log.end(), "01002")) << "both ECUs timed once";
     EXPECT_EQ(1, std::count_if(log.begin(), log.end(), [](const std::string& l) { return l.rfind("ATST", 0) == 0; }));
 }
