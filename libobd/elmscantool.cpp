@@ -713,7 +713,7 @@ bool ElmScantool::identifyDevice(const std::string& reply)
     QRegularExpression expression(PATTERN);
     QRegularExpressionMatch match = expression.match(QString::fromStdString(reply));
     if (!match.hasMatch()) {
-        OBD_ERROR << "Failed to identify the device. Response: " << reply;
+        OBD_ERROR << "Failed to identify the device. Response: " << ElmTransport::escaped(reply);
         return false;
     }
     m_deviceName = match.captured(1).toStdString();

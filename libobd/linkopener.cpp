@@ -47,9 +47,10 @@ bool LinkOpener::resetAdapter(IConnection* connection, IScantool* scantool,
             return true;
         }
         OBD_INFO << "The adapter dropped the link on ATZ: reconnecting without a reset";
-        m_resetDropped = true;
         if (cancelled() || link->open(nullptr) != IMessageBus::OS_OK)
             return false;
+        // Remembered only for an adapter that is there again: a link that is simply gone says nothing.
+        m_resetDropped = true;
     }
     if (!scantool->warmStart())
         OBD_INFO << "No warm start either: going on with the adapter as it is";
