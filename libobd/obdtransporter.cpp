@@ -6,6 +6,7 @@
 #include "obdparameter.h"
 #include "trlog.h"
 
+#include <algorithm>
 #include <cassert>
 #include <string>
 
@@ -502,7 +503,11 @@ bool ObdTransporter::parseCanLines(unsigned int protocol, const std::vector<std:
 bool ObdTransporter::parseNonCanLines(unsigned int protocol, const std::vector<std::string>& lines,
                                       ObdParameter* parameter) const
 {
+    std::vector<unsigned char> signature;
+    parameter->getSignature(signature);
     ByteTable table;
+    std::map<unsigned int, std::vector<std::vector<unsigned char>>> seen;
+    ByteTable stale; // the first per ECU
     std::map<unsigned int, bool> broken;
     for (const std::string& line : lines) {
         std::vector<unsigned char> bytes;
@@ -528,10 +533,26 @@ bool ObdTransporter::parseNonCanLines(unsigned int protocol, const std::vector<s
                 OBD_DEBUG << "Response pending from " << entry.first;
                 continue;
             }
+            if (!signature.empty() && !entry.second.empty() && entry.second[0] != 0x7F
+                && !startsWithSignature(entry.second, 0, signature)) {
+                OBD_DEBUG << "Line of another request dropped: " << escaped(line);
+                stale.emplace(entry.first, entry.second);
+                continue;
+            }
+            // A line printed twice carries nothing new (an ECU never sends the same line twice).
+            std::vector<std::vector<unsigned char>>& earlier = seen[entry.first];
+            if (std::find(earlier.begin(), earlier.end(), entry.second) != earlier.end()) {
+                OBD_DEBUG << "Repeated line dropped: " << escaped(line);
+                continue;
+            }
+            earlier.push_back(entry.second);
             std::vector<unsigned char>& data = table[entry.first];
             data.insert(data.end(), entry.second.begin(), entry.second.end());
         }
     }
+    // An ECU that sent nothing else gets its odd answer judged by the parameter.
+    for (const auto& entry : stale)
+        table.emplace(entry.first, entry.second);
     for (const auto& entry : table)
         deliver(protocol, entry.first, entry.second, parameter);
     // A line lost from an ECU may have cost some of its answer.

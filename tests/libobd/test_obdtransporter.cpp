@@ -195,6 +195,10 @@ TEST(TransporterReplies, RecordedRepliesReachTheParserPerEcu)
           { { 0x10, "41 0C 1A F8" } } },
         { "KWP response pending skipped, the answer after it delivered", KWP, true,
           "83 F1 10 7F 01 78 7C \r84 F1 10 41 0C 1A F8 D6 \r\r>", ER_OK, { { 0x10, "41 0C 1A F8" } }, "Response pending from 16" },
+        { "ISO 9141 stale 41 13 and a repeated line in a VIN reply (noisy clone)", PROTOCOL_ISO9141, true,
+          "48 6B 10 41 13 33 4A \r48 6B 10 49 02 01 00 00 00 57 66 \r48 6B 10 49 02 02 45 4C 39 31 0B \r"
+          "48 6B 10 49 02 02 45 4C 39 31 0B \r\r>", ER_OK, { { 0x10, "49 02 01 00 00 00 57 49 02 02 45 4C 39 31" } },
+          "Repeated line dropped", "49 02" },
         { "J1850 response pending skipped", PROTOCOL_J1850, true, "48 6B 10 7F 01 78 00 \r48 6B 10 41 0C 1A F8 C5 \r\r>",
           ER_OK, { { 0x10, "41 0C 1A F8" } } },
         { "KWP one ECU's broken line costs only that ECU", KWP, true, "85 F1 11 41 0C 1A \r84 F1 10 41 0C 1A F8 D6 \r\r>",
