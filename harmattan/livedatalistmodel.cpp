@@ -152,8 +152,10 @@ Obd::Sensor* LiveDataListModel::sensor(int row) const
 
 void LiveDataListModel::onSensorChanged(int row)
 {
-    if (row >= 0 && row < m_sensors.size())
-        emit dataChanged(index(row), index(row), { ValueRole, UnitRole });
+    if (row < 0 || row >= m_sensors.size())
+        return;
+    emit dataChanged(index(row), index(row), { ValueRole, UnitRole });
+    emit valueUpdated(row);
 }
 
 } // namespace Harmattan

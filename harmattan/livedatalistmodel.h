@@ -45,6 +45,10 @@ public:
     int polledCount() const;
     Obd::Sensor* sensor(int row) const;
 
+signals:
+    // A sensor came back with a reading.
+    void valueUpdated(int row);
+
 private:
     void onSensorChanged(int row);
 

@@ -8,6 +8,7 @@
 #include "navigationmodel.h"
 #include "settingsmodel.h"
 #include "trlog.h"
+#include "valuechart.h"
 #include "viewmodel/bluetoothsearchviewmodel.h"
 #include "viewmodel/dashboardviewmodel.h"
 #include "viewmodel/dtcbrowseviewmodel.h"
@@ -39,6 +40,7 @@ void Zarvane::registerQmlTypes()
     qmlRegisterType<Obd::NumericGauge>(QML_URI, 1, 0, "NumericGauge");
     qmlRegisterType<MeterGauge>(QML_URI, 1, 0, "MeterGauge");
     qmlRegisterType<Obd::ConsumptionGauge>(QML_URI, 1, 0, "ConsumptionGauge");
+    qmlRegisterType<ValueChart>(QML_URI, 1, 0, "ValueChart");
 }
 
 Zarvane::Zarvane(QObject* rootObject, QQmlContext* rootContext)

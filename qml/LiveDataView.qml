@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Controls.Basic
+import org.quillot.zarvane 1.0
 
 // Live data: every supported value of every control unit; only the rows on
 // screen are read.
@@ -12,6 +13,24 @@ ZPage {
 
     signal visibleRows(int first, int last)
     signal unitToggled()
+    // The row whose value the chart draws; -1 closes it.
+    signal chartRow(int row)
+
+    property int chartedRow: -1
+    property string chartTitle
+    property string chartUnit
+
+    function openChart(row, title, unit) {
+        page.chartedRow = row
+        page.chartTitle = title
+        page.chartUnit = unit
+        page.chartRow(row)
+        Qt.callLater(list.positionViewAtIndex, row, ListView.Contain)
+    }
+    function closeChart() {
+        page.chartedRow = -1
+        page.chartRow(-1)
+    }
 
     objectName: "liveDataView"
     title: "Live data"
@@ -75,7 +94,7 @@ ZPage {
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.top: bar.bottom
-        anchors.bottom: parent.bottom
+        anchors.bottom: chartPanel.visible ? chartPanel.top : parent.bottom
         clip: true
         boundsBehavior: Flickable.StopAtBounds
         model: typeof liveDataListModel !== "undefined" ? liveDataListModel : null
@@ -84,10 +103,12 @@ ZPage {
         onCountChanged: Qt.callLater(page.reportRows)
         Component.onCompleted: Qt.callLater(page.reportRows)
 
-        delegate: Item {
+        delegate: ItemDelegate {
             width: ListView.view.width
             height: 64
             opacity: page.stale ? 0.45 : 1
+            onClicked: page.openChart(index, model.name, model.unit)
+            background: Rectangle { color: parent.pressed || index === page.chartedRow ? Theme.pressed : "transparent" }
             Column {
                 anchors.left: parent.left
                 anchors.right: valueText.left
@@ -145,5 +166,85 @@ ZPage {
         text: page.stale ? "Not connected: open the connection first." : "No values reported"
         color: Theme.textDim
         font.pixelSize: Theme.fontNormal
+    }
+
+    Rectangle {
+        id: chartPanel
+        objectName: "chartPanel"
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.bottom: parent.bottom
+        height: 300
+        visible: page.chartedRow >= 0
+        color: Theme.surface
+        Rectangle { anchors.left: parent.left; anchors.right: parent.right; height: 1; color: Theme.divider }
+        Text {
+            id: chartTitleText
+            objectName: "chartTitle"
+            anchors.left: parent.left
+            anchors.right: closeButton.left
+            anchors.top: parent.top
+            anchors.margins: Theme.margin
+            text: page.chartTitle
+            color: page.stale ? Theme.textDim : Theme.text
+            font.pixelSize: Theme.fontNormal
+            font.bold: true
+            elide: Text.ElideRight
+        }
+        ToolButton {
+            id: closeButton
+            objectName: "chartCloseButton"
+            anchors.right: parent.right
+            anchors.top: parent.top
+            anchors.margins: 6
+            width: 44
+            height: 44
+            onClicked: page.closeChart()
+            background: Rectangle {
+                radius: width / 2
+                color: closeButton.pressed ? Theme.pressed : "transparent"
+            }
+            contentItem: Text {
+                text: "\u00D7"
+                color: Theme.textDim
+                font.pixelSize: 30
+                horizontalAlignment: Text.AlignHCenter
+                verticalAlignment: Text.AlignVCenter
+            }
+        }
+        ValueChart {
+            id: chart
+            objectName: "valueChart"
+            anchors.left: parent.left
+            anchors.right: parent.right
+            anchors.top: chartTitleText.bottom
+            anchors.bottom: figures.top
+            anchors.margins: Theme.margin
+        }
+        Row {
+            id: figures
+            anchors.horizontalCenter: parent.horizontalCenter
+            anchors.bottom: parent.bottom
+            anchors.bottomMargin: 12
+            spacing: 28
+            Repeater {
+                model: [["Min", chart.minimum], ["Max", chart.maximum], ["Now", chart.current]]
+                Column {
+                    Text {
+                        text: modelData[0]
+                        color: Theme.accent
+                        font.pixelSize: Theme.fontSmall
+                        font.bold: true
+                        font.capitalization: Font.AllUppercase
+                    }
+                    Text {
+                        text: chart.sampleCount > 0 ? Number(modelData[1]).toLocaleString(Qt.locale("C"), "f", 1) + " " + page.chartUnit : "-"
+                        color: page.stale ? Theme.textDim : Theme.text
+                        font.pixelSize: Theme.fontLarge
+                        font.bold: true
+                    }
+                }
+            }
+        }
     }
 }

@@ -2,6 +2,7 @@
 
 #include "connectionmanager.h"
 #include "livedatalistmodel.h"
+#include "valuechart.h"
 
 #include <QQmlContext>
 #include <QSettings>
@@ -17,11 +18,13 @@ LiveDataViewModel::LiveDataViewModel(ConnectionManager* connectionManager, QObje
     , m_listModel(new LiveDataListModel(this))
     , m_connected(false)
     , m_first(-1)
+    , m_chartRow(-1)
     , m_last(-1)
     , m_unitSystem(Obd::US_METRIC)
 {
     if (QSettings().value(KEY_UNIT_SYSTEM).toInt() == Obd::US_IMPERIAL)
         m_unitSystem = Obd::US_IMPERIAL;
+    connect(m_listModel, &LiveDataListModel::valueUpdated, this, &LiveDataViewModel::onValueUpdated);
     connect(m_connectionManager, &ConnectionManager::connected, this, &LiveDataViewModel::onConnected);
     connect(m_connectionManager, &ConnectionManager::disconnected, this,
             &LiveDataViewModel::onDisconnected);
@@ -41,6 +44,9 @@ void LiveDataViewModel::setView(QObject* view)
     connect(m_view, &QObject::destroyed, this, &LiveDataViewModel::onViewDestroyed);
     connect(m_view, SIGNAL(visibleRows(int,int)), this, SLOT(onVisibleRows(int,int)));
     connect(m_view, SIGNAL(unitToggled()), this, SLOT(onUnitToggled()));
+    connect(m_view, SIGNAL(chartRow(int)), this, SLOT(onChartRow(int)));
+    m_chart = m_view->findChild<ValueChart*>("valueChart");
+    m_chartRow = -1;
     // The rows of the last link stay, greyed, until the next one opens.
     if (m_connected && m_listModel->rowCount() == 0)
         m_listModel->build(m_connectionManager->proxy(), m_unitSystem, REFRESH_MS);
@@ -68,6 +74,9 @@ void LiveDataViewModel::setUnitSystem(Obd::UnitSystem unitSystem)
     m_unitSystem = unitSystem;
     QSettings().setValue(KEY_UNIT_SYSTEM, static_cast<int>(unitSystem));
     m_listModel->setUnitSystem(unitSystem);
+    // The line so far is in the other unit.
+    if (m_chart)
+        m_chart->clear();
     showState();
 }
 
@@ -94,6 +103,7 @@ void LiveDataViewModel::onViewDestroyed()
     m_view = nullptr;
     // Nothing is polled without a screen.
     m_first = m_last = -1;
+    m_chartRow = -1;
     poll();
 }
 
@@ -104,10 +114,29 @@ void LiveDataViewModel::onVisibleRows(int first, int last)
     poll();
 }
 
+void LiveDataViewModel::onChartRow(int row)
+{
+    m_chartRow = row;
+    if (m_chart)
+        m_chart->clear();
+    poll();
+}
+
+void LiveDataViewModel::onValueUpdated(int row)
+{
+    if (row != m_chartRow || !m_chart)
+        return;
+    bool number = false;
+    const double value = m_listModel->index(row).data(LiveDataListModel::ValueRole).toString().toDouble(&number);
+    if (number)
+        m_chart->addSample(value);
+}
+
 void LiveDataViewModel::poll()
 {
     for (int row = 0; row < m_listModel->rowCount(); ++row)
-        m_listModel->setPolled(row, m_connected && m_first >= 0 && row >= m_first && row <= m_last);
+        m_listModel->setPolled(row, m_connected
+                                        && (row == m_chartRow || (m_first >= 0 && row >= m_first && row <= m_last)));
 }
 
 void LiveDataViewModel::onUnitToggled()
@@ -121,6 +150,8 @@ void LiveDataViewModel::showState()
         return;
     m_view->setProperty("connectionStatus", m_connected ? 2 : 0);
     m_view->setProperty("imperial", m_unitSystem == Obd::US_IMPERIAL);
+    if (m_chart)
+        m_chart->setStale(!m_connected);
 }
 
 } // namespace Harmattan

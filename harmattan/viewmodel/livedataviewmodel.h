@@ -11,6 +11,7 @@ namespace Harmattan {
 
 class ConnectionManager;
 class LiveDataListModel;
+class ValueChart;
 
 // Live data: every supported PID of every ECU; a row is polled while the
 // list shows it, and the values follow the metric/imperial choice.
@@ -20,7 +21,7 @@ class LiveDataViewModel : public QObject, public IViewModel
 
 public:
     // As fast as the adapter answers: a sensor never has two requests queued.
-    static const int REFRESH_MS = 250;
+    static constexpr int REFRESH_MS = 250;
     static const char* const KEY_UNIT_SYSTEM;
 
     explicit LiveDataViewModel(ConnectionManager* connectionManager, QObject* parent = nullptr);
@@ -40,6 +41,9 @@ public slots:
     // The list shows rows first..last (-1: none).
     void onVisibleRows(int first, int last);
     void onUnitToggled();
+    // A tapped row's value is drawn over time; -1 closes the chart.
+    void onChartRow(int row);
+    void onValueUpdated(int row);
 
 private:
     void showState();
@@ -50,6 +54,8 @@ private:
     LiveDataListModel* m_listModel;
     bool m_connected;
     int m_first;
+    int m_chartRow;
+    QPointer<ValueChart> m_chart;
     int m_last;
     Obd::UnitSystem m_unitSystem;
 };

@@ -87,6 +87,16 @@ TEST_P(LiveDataViewTest, ListsEverySupportedPidAndReadsTheShownRowsInTheChosenUn
     EXPECT_EQ(model()->index(coolant).data(LiveDataListModel::UnitRole).toString(), "°C");
     ui->picture(QString("livedata_%1").arg(vehicle.profile));
 
+    // A tapped row is drawn over time with its lowest, highest and latest value.
+    ASSERT_TRUE(ui->tap(ui->row(page, "liveDataList", rpm)));
+    QObject* chart = page->findChild<QObject*>("valueChart");
+    ASSERT_TRUE(waitUntil([&] { return chart->property("sampleCount").toInt() >= 3; }, READ_WAIT_MS))
+        << model()->polledCount() << " rows read";
+    EXPECT_EQ(ui->text(page, "chartTitle"), model()->index(rpm).data(LiveDataListModel::NameRole).toString());
+    for (const char* figure : { "minimum", "maximum", "current" })
+        EXPECT_NEAR(chart->property(figure).toDouble(), rpmValue, 0.01 * rpmValue + 0.5) << figure;
+    ui->picture(QString("livedata_%1_chart").arg(vehicle.profile));
+
     ASSERT_TRUE(ui->tap(page, "unitButton"));
     EXPECT_EQ(model()->index(coolant).data(LiveDataListModel::UnitRole).toString(), "°F");
     EXPECT_TRUE(shows(coolant, celsius * 9 / 5 + 32)) << shown(coolant);
@@ -97,6 +107,7 @@ TEST_P(LiveDataViewTest, ListsEverySupportedPidAndReadsTheShownRowsInTheChosenUn
     EXPECT_EQ(ui->text(page, "statusText"), "Not connected");
     EXPECT_EQ(model()->rowCount(), supported);
     EXPECT_EQ(model()->polledCount(), 0);
+    EXPECT_TRUE(chart->property("stale").toBool());
     ui->picture(QString("livedata_%1_lost").arg(vehicle.profile));
 }
 
