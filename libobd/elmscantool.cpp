@@ -477,45 +477,54 @@ bool ElmScantool::exchange(const std::vector<unsigned char>& command,
         return false;
     }
     std::vector<std::string> lines;
+    if (!readDataLines(std::string(command.begin(), command.end()), lines, timeoutMs))
+        return false;
+    std::string joined;
+    for (const std::string& line : lines)
+        joined += line;
+    const ScantoolError word = describeAdapterError(std::vector<unsigned char>(joined.begin(), joined.end()));
+    if (word.status != ScantoolError::SE_NONE) {
+        m_lastError = word;
+        OBD_ERROR << "Got error from adapter: " << word.word;
+        return false;
+    }
+    for (char c : joined) {
+        if (c != ' ')
+            response.push_back(static_cast<unsigned char>(c));
+    }
+    return true;
+}
+
+bool ElmScantool::readDataLines(const std::string& command, std::vector<std::string>& lines,
+                                unsigned int timeoutMs)
+{
     const int status = readLines(lines, timeoutMs);
     if (status != 0) {
         m_lastError.status = status == 2 ? ScantoolError::SE_NOT_CONNECTED : ScantoolError::SE_TIMEOUT;
         return false;
     }
     // An echo the adapter still prints (a refused ATE0, or settings lost) is no data.
-    const std::string echo(command.begin(), command.end());
-    if (!lines.empty() && trimmed(lines.front()) == echo)
+    if (!lines.empty() && trimmed(lines.front()) == command)
         lines.erase(lines.begin());
-    std::string joined;
+    std::vector<std::string> kept;
     std::string dropped;
     for (const std::string& line : lines) {
-        joined += line;
         if (findAdapterError(std::vector<unsigned char>(line.begin(), line.end())) != ERROR_NONE
-            || isDataLine(line)) {
-            for (char c : line) {
-                if (c != ' ')
-                    response.push_back(static_cast<unsigned char>(c));
-            }
-        } else {
+            || isDataLine(line))
+            kept.push_back(line);
+        else
             dropped += (dropped.empty() ? "" : " | ") + line;
-        }
     }
-    const ScantoolError word = describeAdapterError(std::vector<unsigned char>(joined.begin(), joined.end()));
-    if (word.status != ScantoolError::SE_NONE) {
-        response.clear();
-        m_lastError = word;
-        OBD_ERROR << "Got error from adapter: " << word.word;
+    lines.swap(kept);
+    if (dropped.empty())
+        return true;
+    if (lines.empty()) {
+        m_lastError.status = ScantoolError::SE_UNREADABLE;
+        m_lastError.word = ElmTransport::escaped(dropped);
+        OBD_ERROR << "Unreadable reply to " << command << ": " << m_lastError.word;
         return false;
     }
-    if (!dropped.empty()) {
-        if (response.empty()) {
-            m_lastError.status = ScantoolError::SE_UNREADABLE;
-            m_lastError.word = ElmTransport::escaped(dropped);
-            OBD_ERROR << "Unreadable reply to " << echo << ": " << m_lastError.word;
-            return false;
-        }
-        OBD_INFO << "Unreadable line dropped: " << ElmTransport::escaped(dropped);
-    }
+    OBD_INFO << "Unreadable line dropped: " << ElmTransport::escaped(dropped);
     return true;
 }
 

@@ -91,6 +91,10 @@ private:
     // and drained before the next command goes out.
     int readLines(std::vector<std::string>& lines, unsigned int timeoutMs);
     void settleOwedReplies();
+    // readLines() for an OBD request: the echo and lines that are neither a
+    // frame, an error word nor a status dropped (logged). False with
+    // lastError() set on a time-out, a lost link, or nothing readable.
+    bool readDataLines(const std::string& command, std::vector<std::string>& lines, unsigned int timeoutMs);
     bool exchange(const std::vector<unsigned char>& command, std::vector<unsigned char>& response,
                   unsigned int timeoutMs);
     // An AT command and its one-line answer without echo; empty without one.
