@@ -171,7 +171,7 @@ TEST(TransporterReplies, RecordedRepliesReachTheParserPerEcu)
         { "CAN last frame with 55 filler", CAN11, true,
           "7E8 10 08 49 02 01 31 47 31 \r7E8 21 4A 43 55 55 55 55 55 \r\r>", ER_OK, { { 0x7E8, "49 02 01 31 47 31 4A 43" } } },
         { "CAN stale 41 0C inside the reply is dropped by its signature", CAN11, true,
-          "7E8 04 41 0C 1A F8 \r7E8 06 41 00 BE 3F A8 13 \r\r>", ER_OK, { { 0x7E8, SF_7E8 } }, "another request", "41 00" },
+          "7E8 06 41 00 BE 3F A8 13 \r7E8 04 41 0C 1A F8 \r\r>", ER_OK, { { 0x7E8, SF_7E8 } }, "another request", "41 00" },
         { "CAN first ECU incomplete: later ECUs still delivered", CAN11, true,
           "7E8 10 14 49 02 01 31 47 31 \r7E9 06 41 00 98 18 80 11 \r\r>", ER_OK, { { 0x7E9, SF_7E9 } },
           "Invalid data received for 2024", "", { { 0x7E8, READ_MALFORMED }, { 0x7E9, READ_OK }, { 0x7EA, READ_NOT_ANSWERED } } },

@@ -102,7 +102,7 @@ TEST(CliReadStatus, RecordedRepliesGiveEveryEcusCodesOrSayWhatWasLost)
          "7E8 10 0A 43 04 01 33 03 00 \r7E8 21 41 23 92 34 \r7E9 06 43 02 07 00 C1 00 \r\r>",
          {"P0133", "P0300", "C0123", "B1234"}, {"P0700", "U0100"}},
         {"stale 41 0C and a repeated frame among the codes", "03",
-         "7E8 04 41 0C 1A F8 \r7E8 10 0A 43 04 01 33 03 00 \r7E8 21 41 23 92 34 \r7E8 21 41 23 92 34 \r"
+         "7E8 10 0A 43 04 01 33 03 00 \r7E8 21 41 23 92 34 \r7E8 21 41 23 92 34 \r7E8 04 41 0C 1A F8 \r"
          "7E9 02 43 00 \r\r>", {"P0133", "P0300", "C0123", "B1234"}, {}},
         {"fewer codes read than the MIL status counts", "03", "7E8 04 43 01 01 33 \r7E9 02 43 00 \r\r>", {"P0133"}, {}},
         {"one ECU's answer cut short costs only that ECU", "03",
