@@ -36,16 +36,12 @@ std::set<std::string> codesOf(const StoredTroubleCodes& stored, const Ecu& ecu)
 {
     std::vector<Dtc> list;
     std::set<std::string> codes;
-    if (stored.getDtcs(ecu, list)) {
-        for (const Dtc& dtc : list)
-            codes.insert(dtc.getCode());
-    }
+    for (const Dtc& dtc : stored.getDtcs(ecu, list) ? list : std::vector<Dtc>())
+        codes.insert(dtc.getCode());
     return codes;
 }
 
-class Personalities : public ::testing::TestWithParam<std::tuple<const char*, const char*>>
-{
-};
+using Personalities = ::testing::TestWithParam<std::tuple<const char*, const char*>>;
 
 } // namespace
 
