@@ -56,13 +56,8 @@ size_t count(const std::string& text, const std::string& word)
 
 TEST(CliReconnect, LiveGoesOnThroughARestartedAdapterOnlyWhenAsked)
 {
-    struct Row
-    {
-        const char* name;
-        std::vector<std::string> options;
-        const char* lost;          // the line that marks the gap; null: the command ends
-        const char* back;
-    };
+    // lost: the line that marks the gap; null: the command ends with the link.
+    struct Row { const char* name; std::vector<std::string> options; const char* lost; const char* back; };
     const Row rows[] = {
         { "text, --reconnect", { "--reconnect" }, "-- link lost, reconnecting\n", "-- reconnected after " },
         { "JSON, --reconnect", { "--reconnect", "--json" }, "{\"event\":\"link lost, reconnecting\"}",
@@ -75,9 +70,8 @@ TEST(CliReconnect, LiveGoesOnThroughARestartedAdapterOnlyWhenAsked)
         std::unique_ptr<ElmSim::ElmSimServer> sim(new ElmSim::ElmSimServer(SimLink::quickOptions("can11")));
         ASSERT_TRUE(sim->start()) << sim->errorString();
         const unsigned short port = sim->port();
-        std::vector<std::string> args = { "--port", std::to_string(port), "live", "0C", "--period", "50",
-                                          "--count", "40" };
-        args.insert(args.end(), row.options.begin(), row.options.end());
+        std::vector<std::string> args = row.options;
+        args.insert(args.end(), { "--port", std::to_string(port), "live", "0C", "--period", "50", "--count", "40" });
         SharedBuffer outBuffer, errBuffer;
         std::ostream out(&outBuffer), err(&errBuffer);
         std::istringstream in;
