@@ -11,6 +11,9 @@ ROOT="$(pwd)"
 scripts/install-deps.sh
 export QT_QPA_PLATFORM=offscreen
 JOBS="$(nproc)"
+# The tests mostly wait on sockets and the simulator: two per core keep the
+# cores busy without starving any of them.
+TEST_JOBS=$((JOBS * 2))
 
 # build-dir timeout-seconds [cmake options...]: builds and runs the suite.
 suite() {
@@ -21,7 +24,7 @@ suite() {
     built=$(date +%s)
     echo "== $dir: tests"
     status=0
-    (cd "$dir" && ctest --output-on-failure --timeout "$timeout" -j"$JOBS") || status=1
+    (cd "$dir" && ctest --output-on-failure --timeout "$timeout" -j"$TEST_JOBS") || status=1
     echo "== $dir: built in $((built - start)) s, tests ran in $(($(date +%s) - built)) s"
     return $status
 }
