@@ -251,6 +251,9 @@ ExchangeResult ObdTransporter::execute(IObdProxy* provider, ObdParameter* parame
     default:
         return ER_ERROR;
     }
+    // ECUs whose lines could not even be told apart have no status of their own.
+    if (!parsed && sorted.errorWord.empty())
+        parameter->setExchangeStatus(READ_MALFORMED, "unreadable reply");
     return parsed ? ER_OK : ER_ERROR;
 }
 

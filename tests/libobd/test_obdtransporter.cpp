@@ -153,6 +153,8 @@ TEST(TransporterReplies, RecordedRepliesReachTheParserPerEcu)
         { "CAN non-hex character inside the data", CAN11, true, "7E8 06 41 00 BE 3G A8 13", ER_ERROR, {}, "Failed to parse message payload" },
         { "CAN consecutive frame with no first frame", CAN11, true, "7E8 21 4A 43 35 34 34 34 52 \r\r>", ER_ERROR, {}, "Consecutive frame received before FF" },
         { "CAN flow control frame in the reply", CAN11, true, "7E8 30 00 00 00 00 00 00 00 \r", ER_ERROR, {}, "Failed to parse message payload" },
+        { "CAN lines that are not frames: the reply is unreadable", CAN11, true, "ZZZ 06 41\r7E\r\r>", ER_ERROR, {}, nullptr, "",
+          { { 0x7E8, READ_MALFORMED } } },
         { "CAN first frame only", CAN11, true, "7E8 10 14 49 02 01 31 47 31 \r\r>", ER_ERROR, {}, "Invalid data received for 2024" },
         { "CAN repeated consecutive frame does not spoil the message", CAN11, true,
           "7E8 10 14 49 02 01 31 47 31 \r7E8 21 4A 43 35 34 34 34 52 \r7E8 21 4A 43 35 34 34 34 52 \r"

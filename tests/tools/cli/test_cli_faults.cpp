@@ -94,6 +94,8 @@ TEST(CliFaults, EveryFaultEndsWithItsMessageAndExitCode)
         // for: the last of discovery, or (error words) the first after it.
         {"silent after discovery", {"dtc"}, [&] { s.setDelay(30); }, [&] { s.setSilent(true); }, 0, failed,
          unanswered},
+        {"silent after discovery, live", {"live", "0C", "--period", "50", "--count", "2"}, [&] { s.setDelay(30); },
+         [&] { s.setSilent(true); }, 0, failed, "could not read"},
         {"garbage before the prompt: a result or a clear message", {"--json", "info"}, [&] { s.setGarbage(8); },
          nullptr, 0, {App::EXIT_OK, App::EXIT_NOT_REACHED, App::EXIT_NOT_IDENTIFIED}, ""},
         {"a slow clone still delivers live values", {"live", "0C", "--period", "300", "--count", "2"},
