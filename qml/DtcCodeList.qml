@@ -55,6 +55,8 @@ Item {
             code: model.code
             description: model.description
             system: model.system
+            // Lists read from a car say which ECU reported each code.
+            ecu: model.ecu !== undefined && model.ecu !== "" ? model.ecu + " " + model.ecuAddress : ""
         }
         ScrollBar.vertical: ScrollBar {
             policy: list.contentHeight > list.height ? ScrollBar.AsNeeded : ScrollBar.AlwaysOff

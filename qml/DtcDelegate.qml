@@ -1,13 +1,15 @@
 import QtQuick
 
 // One trouble code in a list: the code in a category-coloured tag, its
-// category and description. Fixed height, so long lists scroll evenly.
+// category and description, and the ECU that reported it when the list was
+// read from a car. Fixed height, so long lists scroll evenly.
 Rectangle {
     id: row
 
     property string code
     property string description
     property string system
+    property string ecu
 
     readonly property color tagColor: system === "Powertrain" ? Theme.accent
         : system === "Body" ? "#5fb3f0"
@@ -59,8 +61,19 @@ Rectangle {
         color: Theme.text
         font.pixelSize: Theme.fontNormal
         wrapMode: Text.WordWrap
-        maximumLineCount: 3
+        maximumLineCount: row.ecu === "" ? 3 : 2
         elide: Text.ElideRight
+    }
+    Text {
+        objectName: "ecuText"
+        visible: row.ecu !== ""
+        anchors.right: parent.right
+        anchors.rightMargin: Theme.margin
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: 6
+        text: row.ecu
+        color: Theme.textDim
+        font.pixelSize: 12
     }
     Rectangle {
         anchors.left: parent.left

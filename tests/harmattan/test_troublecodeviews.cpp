@@ -71,12 +71,13 @@ TEST_F(TroubleCodeViewTest, ScreenReadsEveryEcusCodesOnConnectingAndListsThem)
         ASSERT_TRUE(ui->tap(page, row.row));
         ASSERT_TRUE(ui->settle());
         QObject* list = ui->currentPage();
-        // The first ECU's codes first, each with its description and system.
+        // The first ECU's codes first, each with its description, system and ECU.
         EXPECT_EQ(codesOf(row.list), codes);
         EXPECT_EQ(list->findChild<QObject*>("codeList")->property("count").toInt(), codes.size());
         const QString description
             = QString::fromStdString(Obd::DtcReader::instance().getDescription(codes[0].toStdString()));
-        EXPECT_EQ(ui->rowTexts(list, "codeList", 0), QStringList({codes[0], "Powertrain", description}));
+        EXPECT_EQ(ui->rowTexts(list, "codeList", 0),
+                  QStringList({codes[0], "Powertrain", description, "ECM 0x7E8"}));
         ui->picture(row.row);
         ui->back();
         // Reopened, each code once.
