@@ -39,10 +39,6 @@ int main(int argc, char** argv)
     }
 
     Harmattan::Zarvane* zarvane = new Harmattan::Zarvane(view.rootObject(), view.rootContext());
-    QObject* mainView = view.rootObject()->findChild<QObject*>("mainView");
-    if (mainView)
-        QObject::connect(mainView, SIGNAL(cancelButtonClicked()), zarvane->connectionManager(),
-                         SLOT(cancelOpening()));
 
     // A phone-sized portrait window, resizable.
     view.resize(480, 854);
