@@ -57,7 +57,8 @@ std::string Options::usage()
            "  tests             on-board monitor results (service 06; 05 on non-CAN cars)\n"
            "  lookup CODE...    describe trouble codes from the offline database\n"
            "  search TEXT       find trouble codes whose code or description contains TEXT\n"
-           "  bench [PID]       adapter speed test: back-to-back exchanges of one PID (0C)\n"
+           "  bench [PID...]    adapter speed test: back-to-back exchanges of one PID (0C),\n"
+           "                    or of several PIDs asked together where the bus allows\n"
            "  record PID...     live values to the CSV file --out, one column per PID and\n"
            "                    ECU, every --period ms until --count, --duration or Ctrl-C\n"
            "  report            codes, freeze frames, readiness and test results as one\n"
@@ -223,10 +224,6 @@ bool Options::parse(const std::vector<std::string>& args)
     if ((command == "info" || command == "dtc" || command == "clear" || command == "vehicle" ||
          command == "tests" || command == "report") && !arguments.empty()) {
         m_error = command + " takes no arguments";
-        return false;
-    }
-    if (command == "bench" && arguments.size() > 1) {
-        m_error = "bench takes one PID at most";
         return false;
     }
     return true;
