@@ -56,6 +56,7 @@ Session::Status Session::open(const Options& options,
 {
     const Obd::AdapterAddress address = options.address();
     m_link.setProgress(progress);
+    m_link.setNoReset(options.noReset);
     m_lost = false;
     m_lostWhileOpening = false;
     opening = this;
