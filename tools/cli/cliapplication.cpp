@@ -1,5 +1,6 @@
 #include "cliapplication.h"
 #include "dtcreader.h"
+#include "htmlreport.h"
 #include "iscantool.h"
 #include "ipolllistener.h"
 #include "livereader.h"
@@ -95,6 +96,41 @@ double cpuSeconds()
     getrusage(RUSAGE_SELF, &usage);
     return usage.ru_utime.tv_sec + usage.ru_stime.tv_sec +
            (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
+}
+
+std::string pidName(unsigned char pid, const Obd::Ecu& ecu)
+{
+    std::unique_ptr<Obd::PowertrainParameter> parameter(Obd::ParameterFactory::create(pid));
+    return parameter ? parameter->getName(ecu) : "PID " + hex(pid);
+}
+
+// Characters on screen, not bytes: a unit like "\u00b0C" is two bytes in UTF-8.
+size_t shownWidth(const std::string& text)
+{
+    return static_cast<size_t>(std::count_if(text.begin(), text.end(),
+                                             [](unsigned char c) { return (c & 0xC0) != 0x80; }));
+}
+
+// Rows of cells as lines with every column as wide as its widest cell.
+std::vector<std::string> columns(const std::vector<std::vector<std::string>>& rows)
+{
+    std::vector<size_t> widths;
+    for (const std::vector<std::string>& row : rows) {
+        widths.resize(std::max(widths.size(), row.size()));
+        for (size_t i = 0; i < row.size(); ++i)
+            widths[i] = std::max(widths[i], shownWidth(row[i]));
+    }
+    std::vector<std::string> lines;
+    for (const std::vector<std::string>& row : rows) {
+        std::string line;
+        for (size_t i = 0; i < row.size(); ++i) {
+            line += row[i];
+            if (i + 1 < row.size())
+                line += std::string(widths[i] - shownWidth(row[i]) + 2, ' ');
+        }
+        lines.push_back(line);
+    }
+    return lines;
 }
 
 // Latest formatted values of the polled PIDs, written on the poller's thread.
@@ -456,6 +492,9 @@ int CliApplication::dtc(Session& session, Printer& printer)
                 item["unreadCodes"] = confirmed - storedCount;
             }
             QJsonArray monitors;
+            HtmlReport::Ecu readiness;
+            readiness.hasStatus = readiness.statusRead = true;
+            readiness.mil = mil;
             for (unsigned int id = 0; id <= 15; ++id) {
                 bool sparkMonitor = id >= 3 && id <= 9;
                 bool dieselMonitor = id >= 10;
@@ -470,8 +509,17 @@ int CliApplication::dtc(Session& session, Printer& printer)
                 monitor["name"] = q(Obd::MonitorStatus::getMonitorName(id));
                 monitor["complete"] = complete;
                 monitors.append(monitor);
+                readiness.monitors.push_back({Obd::MonitorStatus::getMonitorName(id),
+                                              complete ? HtmlReport::MONITOR_COMPLETE : HtmlReport::MONITOR_INCOMPLETE});
             }
             item["monitors"] = monitors;
+            // The same verdict as the HTML report, per ECU.
+            const std::vector<std::string> notReady = HtmlReport::notReady(readiness);
+            std::string verdict = notReady.empty() ? "Ready for an emissions inspection" : "Not ready: ";
+            for (size_t i = 0; i < notReady.size(); ++i)
+                verdict += (i ? ", " : "") + notReady[i];
+            printer.line("  " + verdict);
+            item["ready"] = notReady.empty();
         }
         if (!errors.isEmpty())
             item["errors"] = errors;
@@ -566,14 +614,20 @@ int CliApplication::live(Session& session, Printer& printer)
         LiveListener listener(*ecu, system);
         Obd::SensorFactory factory;
         Obd::MessagePoller poller(session.proxy());
-        for (unsigned char pid : pids)
+        // A PID the ECU does not list is said so, not asked for.
+        std::vector<unsigned char> polled;
+        for (unsigned char pid : pids) {
+            if (ecu->isSupported(1, pid))
+                polled.push_back(pid);
+        }
+        for (unsigned char pid : polled)
             poller.addPid(pid, factory, m_options.periodMs, &listener);
         poller.start();
 
         // The first line waits for a first value of every PID (a slow adapter or
         // a K-line car needs a while), so it is not a line of blanks.
         auto firstDeadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-        while (listener.samples().size() < pids.size() && std::chrono::steady_clock::now() < firstDeadline &&
+        while (listener.samples().size() < polled.size() && std::chrono::steady_clock::now() < firstDeadline &&
                !interrupted() && !session.isLost())
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
 
@@ -585,8 +639,9 @@ int CliApplication::live(Session& session, Printer& printer)
             next += std::chrono::milliseconds(m_options.periodMs);
             double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
             std::map<unsigned char, LiveListener::Sample> latest = listener.samples();
-            std::ostringstream text;
-            text << std::fixed << std::setprecision(1) << std::setw(7) << seconds << "s";
+            std::ostringstream time;
+            time << std::fixed << std::setprecision(1) << std::setw(7) << seconds << "s";
+            std::vector<std::vector<std::string>> rows; // name, value, unit, ECU
             QJsonObject record;
             record["time"] = seconds;
             QJsonArray values;
@@ -594,19 +649,19 @@ int CliApplication::live(Session& session, Printer& printer)
                 auto it = latest.find(pid);
                 if (it == latest.end() || it->second.values.empty()) {
                     // Never a dash: the user must not take it for a value.
-                    text << "  " << hex(pid) << ": could not read";
+                    const char* why = ecu->isSupported(1, pid) ? "could not read" : "not supported";
+                    rows.push_back({pidName(pid, *ecu), why, "", ecuIdText(*ecu)});
                     QJsonObject value;
                     value["pid"] = q(hex(pid));
-                    value["error"] = q("could not read");
+                    value["error"] = q(why);
                     values.append(value);
                     continue;
                 }
                 anyValue = true;
                 const LiveListener::Sample& sample = it->second;
-                text << "  " << sample.name << ":";
                 for (size_t i = 0; i < sample.values.size(); ++i) {
                     std::string unit = i < sample.units.size() ? sample.units[i] : std::string();
-                    text << " " << sample.values[i] << (unit.empty() ? "" : " " + unit);
+                    rows.push_back({i ? "" : sample.name, sample.values[i], unit, ecuIdText(*ecu)});
                     QJsonObject value;
                     value["pid"] = q(hex(pid));
                     value["name"] = q(sample.name);
@@ -616,10 +671,13 @@ int CliApplication::live(Session& session, Printer& printer)
                 }
             }
             record["values"] = values;
-            if (printer.isJson())
+            if (printer.isJson()) {
                 printer.record(record);
-            else
-                printer.line(text.str());
+            } else {
+                printer.line(time.str());
+                for (const std::string& row : columns(rows))
+                    printer.line("  " + row);
+            }
             ++samples;
         }
         poller.stop();
@@ -718,15 +776,44 @@ int CliApplication::vehicle(Session& session, Printer& printer)
         auto counters = [&](const std::map<unsigned int, unsigned int>& values,
                             std::string (*nameOf)(unsigned int), const char* key) {
             QJsonArray array;
+            QJsonArray ratios;
             for (const auto& entry : values) {
-                printer.line("  " + nameOf(entry.first) + ": " + std::to_string(entry.second));
                 QJsonObject counter;
                 counter["id"] = static_cast<int>(entry.first);
                 counter["name"] = q(nameOf(entry.first));
                 counter["count"] = static_cast<qint64>(entry.second);
                 array.append(counter);
+                // After the two general counters come pairs: completed, then encountered.
+                const auto encountered = values.find(entry.first + 1);
+                const bool paired = entry.first % 2 == 1 && values.count(entry.first - 1);
+                if (entry.first < 2 || (entry.first % 2 == 0 && encountered == values.end())) {
+                    printer.line("  " + nameOf(entry.first) + ": " + std::to_string(entry.second));
+                } else if (entry.first % 2 == 0 && encountered != values.end()) {
+                    std::string name = nameOf(entry.first);
+                    const size_t from = name.find(" Completion");
+                    const size_t to = name.find("Counts", from);
+                    if (from != std::string::npos && to != std::string::npos)
+                        name.erase(from, to + 6 - from);
+                    std::string ratio = "not encountered yet";
+                    if (encountered->second > 0) {
+                        const double percent = 100.0 * entry.second / encountered->second;
+                        ratio = std::to_string(static_cast<int>(percent + 0.5)) + " %";
+                    }
+                    printer.line("  " + name + ": " + std::to_string(entry.second) + " / " +
+                                 std::to_string(encountered->second) + " (" + ratio + ")");
+                    QJsonObject row;
+                    row["name"] = q(name);
+                    row["completed"] = static_cast<qint64>(entry.second);
+                    row["encountered"] = static_cast<qint64>(encountered->second);
+                    if (encountered->second > 0)
+                        row["ratio"] = static_cast<double>(entry.second) / encountered->second;
+                    ratios.append(row);
+                } else if (!paired) {
+                    printer.line("  " + nameOf(entry.first) + ": " + std::to_string(entry.second));
+                }
             }
             item[key] = array;
+            item["performanceRatios"] = ratios;
         };
         if (haveSpark && readable(spark, *ecu, 0x08, "Performance tracking: ", errors, "performanceTracking"))
             counters(spark.getCounters(*ecu), &Obd::PerformanceTrackingSpark::getCounterName,

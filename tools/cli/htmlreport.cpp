@@ -64,20 +64,25 @@ std::vector<std::string> HtmlReport::notReady(const Data& data)
         if (!ecu.hasStatus)
             continue;
         anyStatus = true;
-        const std::string who = "ECU " + ecu.id + ": ";
-        if (!ecu.statusRead) {
-            reasons.push_back(who + "readiness could not read");
-            continue;
-        }
-        if (ecu.mil)
-            reasons.push_back(who + "MIL on");
-        for (const Monitor& monitor : ecu.monitors) {
-            if (monitor.state == MONITOR_INCOMPLETE)
-                reasons.push_back(who + monitor.name + " not ready");
-        }
+        for (const std::string& reason : notReady(ecu))
+            reasons.push_back("ECU " + ecu.id + ": " + reason);
     }
     if (!anyStatus)
         reasons.push_back("no ECU reports readiness");
+    return reasons;
+}
+
+std::vector<std::string> HtmlReport::notReady(const Ecu& ecu)
+{
+    if (!ecu.statusRead)
+        return {"readiness could not read"};
+    std::vector<std::string> reasons;
+    if (ecu.mil)
+        reasons.push_back("MIL on");
+    for (const Monitor& monitor : ecu.monitors) {
+        if (monitor.state == MONITOR_INCOMPLETE)
+            reasons.push_back(monitor.name + " not ready");
+    }
     return reasons;
 }
 

@@ -73,6 +73,8 @@ public:
     // Empty when the car may go for an emissions inspection; else the
     // reasons (MIL on, monitors not ready, readiness not read).
     static std::vector<std::string> notReady(const Data& data);
+    // The same rule for one ECU that reports readiness.
+    static std::vector<std::string> notReady(const Ecu& ecu);
     static std::string render(const Data& data);
     static std::string escaped(const std::string& text);
 };
