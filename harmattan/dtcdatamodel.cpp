@@ -2,6 +2,7 @@
 
 #include "connectionmanager.h"
 #include "iobdproxy.h"
+#include "iscantool.h"
 #include "obdparameterupdater.h"
 #include "parameters/cleartroublecodes.h"
 #include "parameters/pendingtroublecodes.h"
@@ -12,6 +13,7 @@
 #include <QMetaObject>
 
 #include <algorithm>
+#include <sstream>
 
 namespace Obd {
 
@@ -90,9 +92,11 @@ void DtcDataModel::finished(Channel& channel)
     }
 }
 
-void DtcDataModel::readCodes(const DtcParameter* parameter, std::vector<Dtc>& list) const
+void DtcDataModel::readCodes(const DtcParameter* parameter, std::vector<Dtc>& list,
+                             std::vector<ReadFailure>& failures) const
 {
     list.clear();
+    failures.clear();
     IObdProxy* proxy = m_connectionManager ? m_connectionManager->proxy() : nullptr;
     if (!proxy)
         return;
@@ -104,8 +108,27 @@ void DtcDataModel::readCodes(const DtcParameter* parameter, std::vector<Dtc>& li
     if (first)
         std::stable_partition(ecus.begin(), ecus.end(),
                               [&](const EcuPtr& ecu) { return ecu && ecu->getId() == first->getId(); });
+    const std::string errorWordPrefix = std::string(ScantoolError::statusName(ScantoolError::SE_ERROR_WORD)) + ": ";
     for (const EcuPtr& ecu : ecus) {
-        if (!ecu || std::find(answered.begin(), answered.end(), ecu->getId()) == answered.end())
+        if (!ecu)
+            continue;
+        const ReadStatus status = parameter->readStatus(ecu->getId());
+        if (!status.ok()) {
+            // Silence from one ECU while others answered is no failure: it
+            // may simply not keep codes.
+            if (status.state == READ_NOT_ANSWERED)
+                continue;
+            ReadFailure failure;
+            std::ostringstream name;
+            name << ecu->getShortName() << " 0x" << std::hex << std::uppercase << ecu->getId();
+            failure.ecu = name.str();
+            failure.reason = status.reason;
+            if (status.state == READ_ADAPTER_ERROR && status.reason.rfind(errorWordPrefix, 0) == 0)
+                failure.word = status.reason.substr(errorWordPrefix.size());
+            failures.push_back(failure);
+            continue;
+        }
+        if (std::find(answered.begin(), answered.end(), ecu->getId()) == answered.end())
             continue;
         const size_t first = list.size();
         parameter->getDtcs(*ecu, list);
@@ -114,12 +137,44 @@ void DtcDataModel::readCodes(const DtcParameter* parameter, std::vector<Dtc>& li
     }
 }
 
+void DtcDataModel::notRead(std::vector<Dtc>& list, std::vector<ReadFailure>& failures)
+{
+    // No exchange at all leaves the last one's statuses behind.
+    list.clear();
+    if (failures.empty())
+        failures.push_back({ std::string(), "not read", std::string() });
+}
+
+std::string DtcDataModel::describe(const std::vector<ReadFailure>& failures)
+{
+    // ECUs that failed alike share one cause, each named once.
+    std::vector<std::pair<std::string, std::vector<std::string>>> causes;
+    for (const ReadFailure& failure : failures) {
+        const std::string& cause = failure.word.empty() ? failure.reason : failure.word;
+        auto it = std::find_if(causes.begin(), causes.end(), [&](const auto& c) { return c.first == cause; });
+        if (it == causes.end())
+            it = causes.insert(causes.end(), { cause, {} });
+        if (!failure.ecu.empty() && std::find(it->second.begin(), it->second.end(), failure.ecu) == it->second.end())
+            it->second.push_back(failure.ecu);
+    }
+    std::string text;
+    for (const auto& cause : causes) {
+        std::string ecus;
+        for (const std::string& ecu : cause.second)
+            ecus += (ecus.empty() ? "" : ", ") + ecu;
+        text += (text.empty() ? "" : "; ") + cause.first + (ecus.empty() ? "" : " (" + ecus + ")");
+    }
+    return text;
+}
+
 void DtcDataModel::onStoredCodesUpdated(bool success)
 {
     ObdParameterUpdater::resultReceived(m_stored.updater);
     // Read before a queued repeat can start writing the parameter again.
-    if (success)
-        readCodes(m_storedParameter, m_storedCodes);
+    // A failed read leaves no list behind: it says why instead.
+    readCodes(m_storedParameter, m_storedCodes, m_storedFailures);
+    if (!success)
+        notRead(m_storedCodes, m_storedFailures);
     finished(m_stored);
     OBD_DEBUG << "stored codes read: " << success << ", " << m_storedCodes.size() << " codes";
     emit storedCodesUpdated(success);
@@ -128,8 +183,9 @@ void DtcDataModel::onStoredCodesUpdated(bool success)
 void DtcDataModel::onPendingCodesUpdated(bool success)
 {
     ObdParameterUpdater::resultReceived(m_pending.updater);
-    if (success)
-        readCodes(m_pendingParameter, m_pendingCodes);
+    readCodes(m_pendingParameter, m_pendingCodes, m_pendingFailures);
+    if (!success)
+        notRead(m_pendingCodes, m_pendingFailures);
     finished(m_pending);
     OBD_DEBUG << "pending codes read: " << success << ", " << m_pendingCodes.size() << " codes";
     emit pendingCodesUpdated(success);
@@ -149,6 +205,8 @@ void DtcDataModel::onDisconnected()
         channel->updater->setProxy(nullptr);
     m_storedCodes.clear();
     m_pendingCodes.clear();
+    m_storedFailures.clear();
+    m_pendingFailures.clear();
 }
 
 } // namespace Obd

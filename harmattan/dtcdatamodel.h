@@ -5,6 +5,7 @@
 
 #include <QObject>
 
+#include <string>
 #include <vector>
 
 namespace Harmattan {
@@ -44,6 +45,18 @@ public:
     std::vector<Dtc> storedCodes() const;
     std::vector<Dtc> pendingCodes() const;
 
+    // An ECU whose codes could not be read by the last read of a list.
+    struct ReadFailure
+    {
+        std::string ecu;    // "ECM 0x7E8"
+        std::string reason; // the library's words, "adapter error: NO DATA"
+        std::string word;   // the adapter's error word, when it printed one
+    };
+    std::vector<ReadFailure> storedFailures() const { return m_storedFailures; }
+    std::vector<ReadFailure> pendingFailures() const { return m_pendingFailures; }
+    // "NO DATA (ECM 0x7E8, TCM 0x7E9)": the word, else the reason, per ECU.
+    static std::string describe(const std::vector<ReadFailure>& failures);
+
 signals:
     void storedCodesUpdated(bool success);
     void pendingCodesUpdated(bool success);
@@ -68,7 +81,9 @@ private:
     void request(Channel& channel);
     // After a reply: true when the reply is to be delivered.
     void finished(Channel& channel);
-    void readCodes(const DtcParameter* parameter, std::vector<Dtc>& list) const;
+    void readCodes(const DtcParameter* parameter, std::vector<Dtc>& list,
+                   std::vector<ReadFailure>& failures) const;
+    static void notRead(std::vector<Dtc>& list, std::vector<ReadFailure>& failures);
 
     Harmattan::ConnectionManager* m_connectionManager;
     WorkerThread* m_workerThread;
@@ -80,6 +95,8 @@ private:
     Channel m_clear;
     std::vector<Dtc> m_storedCodes;
     std::vector<Dtc> m_pendingCodes;
+    std::vector<ReadFailure> m_storedFailures;
+    std::vector<ReadFailure> m_pendingFailures;
 };
 
 } // namespace Obd

@@ -10,6 +10,10 @@ ZPage {
     property int storedDtcCount: 0
     property int pendingDtcCount: 0
     property bool busy: false
+    // Why a list could not be read ("NO DATA (ECM 0x7E8)"), empty when it was.
+    property string storedReadError: ""
+    property string pendingReadError: ""
+    property bool milKnown: true
     property int connectionStatus: 0
 
     signal showStoredCodes()
@@ -38,14 +42,17 @@ ZPage {
             sourceSize.width: 336
             sourceSize.height: 336
             source: page.engineImage
+            opacity: page.milKnown || page.lampOn ? 1.0 : 0.3
         }
         Text {
             objectName: "lampText"
             anchors.horizontalCenter: parent.horizontalCenter
             text: !page.connected ? "Not connected"
                 : page.busy ? "Reading trouble codes..."
-                : page.lampOn ? "Malfunction indicated" : "No malfunction indicated"
-            color: !page.connected ? Theme.textDim : page.lampOn ? Theme.accent : Theme.ok
+                : page.lampOn ? "Malfunction indicated"
+                : !page.milKnown ? "Malfunction indicator unknown" : "No malfunction indicated"
+            color: !page.connected || (!page.milKnown && !page.lampOn) ? Theme.textDim
+                : page.lampOn ? Theme.accent : Theme.ok
             font.pixelSize: Theme.fontLarge
             font.bold: true
         }
@@ -70,8 +77,9 @@ ZPage {
             objectName: "storedRow"
             width: parent.width
             title: "Confirmed Trouble Codes"
-            subtitle: page.storedDtcCount + " codes found"
-            badge: String(page.storedDtcCount)
+            subtitle: page.storedReadError !== "" ? "could not read: " + page.storedReadError
+                : page.storedDtcCount + " codes found"
+            badge: page.storedReadError !== "" ? "?" : String(page.storedDtcCount)
             badgeColor: page.storedDtcCount > 0 ? Theme.accent : Theme.textDim
             onClicked: page.showStoredCodes()
         }
@@ -79,8 +87,9 @@ ZPage {
             objectName: "pendingRow"
             width: parent.width
             title: "Pending Trouble Codes"
-            subtitle: page.pendingDtcCount + " pending codes found"
-            badge: String(page.pendingDtcCount)
+            subtitle: page.pendingReadError !== "" ? "could not read: " + page.pendingReadError
+                : page.pendingDtcCount + " pending codes found"
+            badge: page.pendingReadError !== "" ? "?" : String(page.pendingDtcCount)
             badgeColor: page.pendingDtcCount > 0 ? Theme.accent : Theme.textDim
             onClicked: page.showPendingCodes()
         }

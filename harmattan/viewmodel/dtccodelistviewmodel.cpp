@@ -57,13 +57,16 @@ void DtcCodeListViewModel::updateView()
                             QString::fromStdString(dtc.getEcuName()),
                             dtc.getEcuId() ? QStringLiteral("0x%1").arg(QString::number(dtc.getEcuId(), 16).toUpper())
                                            : QString());
-    if (m_view)
+    if (m_view) {
+        m_view->setProperty("readError", readError());
         m_view->setProperty("listModelCount", m_listModel->rowCount());
+    }
 }
 
-void DtcCodeListViewModel::onCodesUpdated(bool success)
+void DtcCodeListViewModel::onCodesUpdated(bool)
 {
-    if (success && m_viewPresent && m_view) {
+    // A failed read shows why, and no stale list.
+    if (m_viewPresent && m_view) {
         // A new read replaces what the screen shows rather than adding to it.
         m_listModel->reset();
         updateView();
@@ -81,6 +84,7 @@ void DtcCodeListViewModel::onDisconnected()
 {
     if (m_viewPresent && m_view) {
         m_view->setProperty("connectionStatus", 0);
+        m_view->setProperty("readError", QString());
         m_view->setProperty("listModelCount", 0);
     }
     m_listModel->reset();

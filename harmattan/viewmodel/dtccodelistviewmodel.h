@@ -45,6 +45,8 @@ protected:
 
     // The data model's list this screen shows.
     virtual std::vector<Obd::Dtc> codes() const = 0;
+    // Why it, or part of it, could not be read; empty when it was.
+    virtual QString readError() const = 0;
 
     Obd::DtcDataModel* m_dataModel;
 

@@ -3,6 +3,7 @@
 #include "connectionmanager.h"
 #include "dtcdatamodel.h"
 #include "navigationmodel.h"
+#include "zrvinfo.h"
 #include "zrvquery.h"
 
 #include <QVariant>
@@ -13,6 +14,9 @@ const char* const DtcViewModel::MIL_OFF_IMAGE = "qrc:///mil_off.png";
 const char* const DtcViewModel::MIL_ON_IMAGE = "qrc:///mil_on.png";
 
 namespace {
+
+const char* const READ_FAILED = "Could not read the trouble codes: ";
+const int FAILURE_BANNER_TIMEOUT_MS = 6000;
 
 const char* const CLEAR_TITLE = "Clear diagnostic info?";
 const char* const CLEAR_TEXT
@@ -81,31 +85,52 @@ void DtcViewModel::setViewProperty(const char* name, const QVariant& value)
 void DtcViewModel::refreshData()
 {
     setViewProperty("busy", true);
+    setViewProperty("milKnown", true);
+    setViewProperty("storedReadError", QString());
+    setViewProperty("pendingReadError", QString());
     m_outstanding = 2;
     m_dataModel->updateStoredCodes();
     m_dataModel->updatePendingCodes();
 }
 
-void DtcViewModel::codesRead(int count, const char* countProperty)
+void DtcViewModel::codesRead(int count, const char* countProperty, const QString& failure,
+                             const char* failureProperty)
 {
     m_outstanding = m_outstanding > 0 ? m_outstanding - 1 : 0;
     if (m_view && m_viewShown) {
         setViewProperty(countProperty, count);
+        setViewProperty(failureProperty, failure);
         if (count > 0)
             setViewProperty("engineImage", QString::fromLatin1(MIL_ON_IMAGE));
+        // Codes not read say nothing about the lamp: unknown, never off.
+        if (!failure.isEmpty())
+            setViewProperty("milKnown", false);
     }
-    if (m_outstanding == 0)
+    if (m_outstanding == 0) {
         setViewProperty("busy", false);
+        std::vector<Obd::DtcDataModel::ReadFailure> failures = m_dataModel->storedFailures();
+        for (const Obd::DtcDataModel::ReadFailure& failure : m_dataModel->pendingFailures())
+            failures.push_back(failure);
+        // A lost link has its own banner.
+        if (!failures.empty() && m_view && m_viewShown && m_connected) {
+            Obd::ZrvInfo info(QString::fromLatin1(READ_FAILED)
+                              + QString::fromStdString(Obd::DtcDataModel::describe(failures)));
+            info.setTimeout(FAILURE_BANNER_TIMEOUT_MS);
+            info.show();
+        }
+    }
 }
 
 void DtcViewModel::onStoredCodesUpdated(bool)
 {
-    codesRead(static_cast<int>(m_dataModel->storedCodes().size()), "storedDtcCount");
+    codesRead(static_cast<int>(m_dataModel->storedCodes().size()), "storedDtcCount",
+              QString::fromStdString(Obd::DtcDataModel::describe(m_dataModel->storedFailures())), "storedReadError");
 }
 
 void DtcViewModel::onPendingCodesUpdated(bool)
 {
-    codesRead(static_cast<int>(m_dataModel->pendingCodes().size()), "pendingDtcCount");
+    codesRead(static_cast<int>(m_dataModel->pendingCodes().size()), "pendingDtcCount",
+              QString::fromStdString(Obd::DtcDataModel::describe(m_dataModel->pendingFailures())), "pendingReadError");
 }
 
 void DtcViewModel::onShowMilConfirmation()
@@ -144,6 +169,9 @@ void DtcViewModel::onDisconnected()
         setViewProperty("engineImage", QString::fromLatin1(MIL_OFF_IMAGE));
         setViewProperty("storedDtcCount", 0);
         setViewProperty("pendingDtcCount", 0);
+        setViewProperty("storedReadError", QString());
+        setViewProperty("pendingReadError", QString());
+        setViewProperty("milKnown", true);
         setViewProperty("busy", false);
     }
 }

@@ -50,7 +50,8 @@ public slots:
 
 private:
     void setViewProperty(const char* name, const QVariant& value);
-    void codesRead(int count, const char* countProperty);
+    // failure: why the list could not be read, empty when it was.
+    void codesRead(int count, const char* countProperty, const QString& failure, const char* failureProperty);
 
     QPointer<QObject> m_view;
     Obd::DtcDataModel* m_dataModel;

@@ -16,4 +16,9 @@ std::vector<Obd::Dtc> PendingDtcViewModel::codes() const
     return m_dataModel->pendingCodes();
 }
 
+QString PendingDtcViewModel::readError() const
+{
+    return QString::fromStdString(Obd::DtcDataModel::describe(m_dataModel->pendingFailures()));
+}
+
 } // namespace Harmattan

@@ -16,4 +16,9 @@ std::vector<Obd::Dtc> StoredDtcViewModel::codes() const
     return m_dataModel->storedCodes();
 }
 
+QString StoredDtcViewModel::readError() const
+{
+    return QString::fromStdString(Obd::DtcDataModel::describe(m_dataModel->storedFailures()));
+}
+
 } // namespace Harmattan

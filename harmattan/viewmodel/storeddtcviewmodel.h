@@ -16,6 +16,7 @@ public:
 
 protected:
     std::vector<Obd::Dtc> codes() const override;
+    QString readError() const override;
 };
 
 } // namespace Harmattan
