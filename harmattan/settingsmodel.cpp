@@ -1,6 +1,7 @@
 #include "settingsmodel.h"
 
 #include "adapteraddress.h"
+#include "unitsystem.h"
 
 #include <QSettings>
 
@@ -13,6 +14,8 @@ const char* const SettingsModel::KEY_IP_ADDRESS = "connectivity/defaultIpAddress
 const char* const SettingsModel::KEY_IP_PORT = "connectivity/defaultIpPort";
 const char* const SettingsModel::KEY_SERIAL_DEVICE = "connectivity/serialDevice";
 const char* const SettingsModel::KEY_SERIAL_BAUD_RATE = "connectivity/serialBaudRate";
+const char* const SettingsModel::KEY_UNIT_SYSTEM = "display/unitSystem";
+const char* const SettingsModel::OLD_KEY_UNIT_SYSTEM = "unitSystem";
 
 const char* const SettingsModel::DEFAULT_BLUETOOTH_DEVICE_NAME = "None";
 const char* const SettingsModel::DEFAULT_BLUETOOTH_DEVICE_ADDRESS = "00:00:00:00:00:00";
@@ -31,6 +34,7 @@ SettingsModel::SettingsModel(QObject* parent)
     , m_ipPort(DEFAULT_IP_PORT)
     , m_serialDevice(DEFAULT_SERIAL_DEVICE)
     , m_serialBaudRate(DEFAULT_SERIAL_BAUD_RATE)
+    , m_unitSystem(US_METRIC)
 {
     QSettings settings;
     if (settings.contains(KEY_CONNECTION_METHOD))
@@ -47,6 +51,12 @@ SettingsModel::SettingsModel(QObject* parent)
         m_serialDevice = settings.value(KEY_SERIAL_DEVICE).toString();
     if (settings.contains(KEY_SERIAL_BAUD_RATE))
         m_serialBaudRate = settings.value(KEY_SERIAL_BAUD_RATE).toString();
+    if (!settings.contains(KEY_UNIT_SYSTEM) && settings.contains(OLD_KEY_UNIT_SYSTEM)) {
+        settings.setValue(KEY_UNIT_SYSTEM, settings.value(OLD_KEY_UNIT_SYSTEM));
+        settings.remove(OLD_KEY_UNIT_SYSTEM);
+    }
+    if (settings.value(KEY_UNIT_SYSTEM).toInt() == US_IMPERIAL)
+        m_unitSystem = US_IMPERIAL;
 }
 
 int SettingsModel::connectionMethod() const
@@ -82,6 +92,11 @@ QString SettingsModel::serialDevice() const
 QString SettingsModel::serialBaudRate() const
 {
     return m_serialBaudRate;
+}
+
+int SettingsModel::unitSystem() const
+{
+    return m_unitSystem;
 }
 
 unsigned int SettingsModel::baudRate(const QString& text)
@@ -144,6 +159,15 @@ void SettingsModel::setSerialBaudRate(const QString& rate)
     m_serialBaudRate = rate;
     QSettings().setValue(KEY_SERIAL_BAUD_RATE, rate);
     emit serialBaudRateChanged();
+}
+
+void SettingsModel::setUnitSystem(int unitSystem)
+{
+    if ((unitSystem != US_METRIC && unitSystem != US_IMPERIAL) || unitSystem == m_unitSystem)
+        return;
+    m_unitSystem = unitSystem;
+    QSettings().setValue(KEY_UNIT_SYSTEM, QVariant(unitSystem));
+    emit unitSystemChanged();
 }
 
 bool SettingsModel::isValid() const

@@ -6,7 +6,7 @@
 
 namespace Obd {
 
-// The connection settings, kept in memory and written through to the
+// The connection and display settings, kept in memory and written through to the
 // platform settings store on every change.
 class SettingsModel : public QObject
 {
@@ -18,6 +18,7 @@ class SettingsModel : public QObject
     Q_PROPERTY(QString ipPort READ ipPort WRITE setIpPort NOTIFY ipPortChanged)
     Q_PROPERTY(QString serialDevice READ serialDevice WRITE setSerialDevice NOTIFY serialDeviceChanged)
     Q_PROPERTY(QString serialBaudRate READ serialBaudRate WRITE setSerialBaudRate NOTIFY serialBaudRateChanged)
+    Q_PROPERTY(int unitSystem READ unitSystem WRITE setUnitSystem NOTIFY unitSystemChanged)
 
 public:
     enum ConnectionMethod { CM_BLUETOOTH = 0, CM_WIFI = 1, CM_SERIAL = 2 };
@@ -29,6 +30,9 @@ public:
     static const char* const KEY_IP_PORT;
     static const char* const KEY_SERIAL_DEVICE;
     static const char* const KEY_SERIAL_BAUD_RATE;
+    static const char* const KEY_UNIT_SYSTEM;
+    // Where the live-data screen kept the unit choice before; moved on first read.
+    static const char* const OLD_KEY_UNIT_SYSTEM;
 
     // The defaults double as "never set" markers for isValid().
     static const char* const DEFAULT_BLUETOOTH_DEVICE_NAME;
@@ -49,6 +53,8 @@ public:
     QString ipPort() const;
     QString serialDevice() const;
     QString serialBaudRate() const;
+    // An Obd::UnitSystem: metric or imperial, for every screen.
+    int unitSystem() const;
     // The rate a baud rate text stands for (0: detect); 0 too for a text that is none.
     static unsigned int baudRate(const QString& text);
     static bool isBaudRate(const QString& text);
@@ -60,6 +66,8 @@ public:
     void setIpPort(const QString& port);
     void setSerialDevice(const QString& device);
     void setSerialBaudRate(const QString& rate);
+    // Anything but metric or imperial is ignored.
+    void setUnitSystem(int unitSystem);
 
     Q_INVOKABLE bool isValid() const;
 
@@ -71,6 +79,7 @@ signals:
     void ipPortChanged();
     void serialDeviceChanged();
     void serialBaudRateChanged();
+    void unitSystemChanged();
 
 private:
     int m_connectionMethod;
@@ -80,6 +89,7 @@ private:
     QString m_ipPort;
     QString m_serialDevice;
     QString m_serialBaudRate;
+    int m_unitSystem;
 };
 
 } // namespace Obd

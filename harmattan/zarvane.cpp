@@ -117,15 +117,15 @@ Zarvane::Zarvane(QObject* rootObject, QQmlContext* rootContext)
     publish(m_bluetoothSearchViewModel);
 
     // 17. dashboard.
-    m_dashboardViewModel = new DashboardViewModel(m_connectionManager, this);
+    m_dashboardViewModel = new DashboardViewModel(m_connectionManager, m_settingsModel, this);
     m_navigationModel->registerDashboardViewModel(m_dashboardViewModel);
     publish(m_dashboardViewModel);
 
     // 18-19: live data and readiness, opened from the main view's header.
-    m_liveDataViewModel = new LiveDataViewModel(m_connectionManager, this);
+    m_liveDataViewModel = new LiveDataViewModel(m_connectionManager, m_settingsModel, this);
     m_navigationModel->registerLiveDataViewModel(m_liveDataViewModel);
     publish(m_liveDataViewModel);
-    m_readinessViewModel = new ReadinessViewModel(m_connectionManager, this);
+    m_readinessViewModel = new ReadinessViewModel(m_connectionManager, m_settingsModel, this);
     m_navigationModel->registerReadinessViewModel(m_readinessViewModel);
     publish(m_readinessViewModel);
 

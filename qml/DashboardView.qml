@@ -8,6 +8,9 @@ ZPage {
     id: page
 
     property int connectionStatus: 0
+    // The readout follows the unit setting; the dial is printed in km/h.
+    property bool imperial: false
+    property real speed: 0
 
     objectName: "dashboardView"
     title: "Dashboard"
@@ -83,7 +86,7 @@ ZPage {
             Readout {
                 objectName: "speedText"
                 meter: speedGauge
-                text: Math.round(speedGauge.value)
+                text: page.imperial ? Math.round(page.speed) + " mph" : Math.round(speedGauge.value)
             }
         }
     }

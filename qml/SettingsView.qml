@@ -1,7 +1,8 @@
 import QtQuick
 import QtQuick.Controls.Basic
 
-// Connection settings: how the adapter is reached and where it is.
+// Connection settings: how the adapter is reached and where it is; and the
+// units every screen shows.
 ZPage {
     id: page
 
@@ -16,6 +17,7 @@ ZPage {
     property string serialBaudRate: "38400"
     property string serialDeviceError
     property string serialBaudRateError
+    property string unitSystemText: "metric"
 
     signal connectionMethodChanged(string method)
     // ipAddress and ipPort already own the ...Changed() signal names.
@@ -24,6 +26,7 @@ ZPage {
     signal searchBluetoothDevices()
     signal serialDeviceEdited(string device)
     signal serialBaudRateEdited(string rate)
+    signal unitSystemChanged(string units)
 
     title: "Settings"
 
@@ -299,6 +302,29 @@ ZPage {
                       : page.serial
                       ? "Plug the adapter in, or bind a Bluetooth one to /dev/rfcomm0. Most adapters talk at 38400 baud; auto tries the usual rates."
                       : "Join the adapter's Wi-Fi network first. Most adapters listen on 192.168.0.10, port 35000."
+            }
+
+            Item { width: 1; height: 8 }
+
+            SectionLabel { text: "Units" }
+
+            Row {
+                width: parent.width
+                spacing: 12
+                MethodButton {
+                    objectName: "metricButton"
+                    width: (parent.width - parent.spacing) / 2
+                    text: "Metric"
+                    selected: page.unitSystemText === "metric"
+                    onClicked: page.unitSystemChanged("metric")
+                }
+                MethodButton {
+                    objectName: "imperialButton"
+                    width: (parent.width - parent.spacing) / 2
+                    text: "Imperial"
+                    selected: page.unitSystemText === "imperial"
+                    onClicked: page.unitSystemChanged("imperial")
+                }
             }
         }
     }

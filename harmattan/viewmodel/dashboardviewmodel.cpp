@@ -9,6 +9,7 @@
 #include "obdparameterupdater.h"
 #include "powertrain/enginerpm.h"
 #include "powertrain/vehiclespeed.h"
+#include "settingsmodel.h"
 #include "trlog.h"
 #include "workerthread.h"
 
@@ -18,9 +19,11 @@
 
 namespace Harmattan {
 
-DashboardViewModel::DashboardViewModel(ConnectionManager* connectionManager, QObject* parent)
+DashboardViewModel::DashboardViewModel(ConnectionManager* connectionManager,
+                                       Obd::SettingsModel* settings, QObject* parent)
     : QObject(parent)
     , m_connectionManager(connectionManager)
+    , m_settings(settings)
     , m_timer(new QTimer(this))
     , m_hasEcu(false)
     , m_workerThread(Obd::WorkerThread::instance())
@@ -43,6 +46,7 @@ DashboardViewModel::DashboardViewModel(ConnectionManager* connectionManager, QOb
     connect(m_rpmUpdater, &Obd::ObdParameterUpdater::updateDone, this, &DashboardViewModel::onRpmUpdated);
     connect(m_speedUpdater, &Obd::ObdParameterUpdater::updateDone, this,
             &DashboardViewModel::onSpeedUpdated);
+    connect(m_settings, &Obd::SettingsModel::unitSystemChanged, this, &DashboardViewModel::showUnits);
 }
 
 DashboardViewModel::~DashboardViewModel()
@@ -70,6 +74,7 @@ void DashboardViewModel::setView(QObject* view)
     if (Obd::NumericGauge* readout = m_view->findChild<Obd::NumericGauge*>("rpmReadout"))
         connect(this, &DashboardViewModel::engineRpmChanged, readout, &Obd::NumericGauge::setValue);
     m_view->setProperty("connectionStatus", m_connected ? 2 : 0);
+    showUnits();
     if (m_connected)
         QTimer::singleShot(START_DELAY_MS, this, &DashboardViewModel::startRefresh);
 }
@@ -86,6 +91,15 @@ bool DashboardViewModel::isRefreshing() const
 int DashboardViewModel::requestCount() const
 {
     return m_requestCount;
+}
+
+void DashboardViewModel::showUnits()
+{
+    if (!m_view)
+        return;
+    m_view->setProperty("imperial", m_settings->unitSystem() == Obd::US_IMPERIAL);
+    if (m_consumptionGauge)
+        m_consumptionGauge->setUnitSystem(m_settings->unitSystem());
 }
 
 void DashboardViewModel::startRefresh()
@@ -180,6 +194,8 @@ void DashboardViewModel::onSpeedUpdated(bool success)
     if (!success || !m_hasEcu || !m_speedGauge)
         return;
     m_speedGauge->setValueAnimated(m_speedParameter->getValue(m_ecu));
+    m_view->setProperty("speed", m_speedParameter->getValue(
+                                     m_ecu, static_cast<Obd::UnitSystem>(m_settings->unitSystem())));
 }
 
 } // namespace Harmattan

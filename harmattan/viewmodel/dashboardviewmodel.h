@@ -13,6 +13,7 @@ namespace Obd {
 class ConsumptionGauge;
 class EngineRpm;
 class NumericGauge;
+class SettingsModel;
 class ObdParameterUpdater;
 class VehicleSpeed;
 class WorkerThread;
@@ -24,7 +25,8 @@ class ConnectionManager;
 class MeterGauge;
 
 // The dashboard: engine speed and vehicle speed four times a second on the
-// two meters, and the fuel-consumption estimate.
+// two meters, and the fuel-consumption estimate; the readouts follow the
+// metric/imperial setting, the speed dial is printed in km/h.
 class DashboardViewModel : public QObject, public IViewModel
 {
     Q_OBJECT
@@ -34,7 +36,8 @@ public:
     // Leaves the meters time for their calibration sweep.
     static constexpr int START_DELAY_MS = 1000;
 
-    explicit DashboardViewModel(ConnectionManager* connectionManager, QObject* parent = nullptr);
+    DashboardViewModel(ConnectionManager* connectionManager, Obd::SettingsModel* settings,
+                       QObject* parent = nullptr);
     ~DashboardViewModel() override;
 
     void setView(QObject* view) override;
@@ -58,12 +61,14 @@ public slots:
 
 private slots:
     void startRefresh();
+    void showUnits();
 
 private:
     void stopRefresh();
 
     QPointer<QObject> m_view;
     ConnectionManager* m_connectionManager;
+    Obd::SettingsModel* m_settings;
     QTimer* m_timer;
     Obd::Ecu m_ecu;
     bool m_hasEcu;

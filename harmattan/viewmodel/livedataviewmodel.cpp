@@ -2,28 +2,28 @@
 
 #include "connectionmanager.h"
 #include "livedatalistmodel.h"
+#include "settingsmodel.h"
 #include "valuechart.h"
 
 #include <QQmlContext>
-#include <QSettings>
 #include <QVariant>
 
 namespace Harmattan {
 
-const char* const LiveDataViewModel::KEY_UNIT_SYSTEM = "unitSystem";
-
-LiveDataViewModel::LiveDataViewModel(ConnectionManager* connectionManager, QObject* parent)
+LiveDataViewModel::LiveDataViewModel(ConnectionManager* connectionManager,
+                                     Obd::SettingsModel* settings, QObject* parent)
     : QObject(parent)
     , m_connectionManager(connectionManager)
+    , m_settings(settings)
     , m_listModel(new LiveDataListModel(this))
     , m_connected(false)
     , m_first(-1)
     , m_chartRow(-1)
     , m_last(-1)
-    , m_unitSystem(Obd::US_METRIC)
+    , m_unitSystem(static_cast<Obd::UnitSystem>(settings->unitSystem()))
 {
-    if (QSettings().value(KEY_UNIT_SYSTEM).toInt() == Obd::US_IMPERIAL)
-        m_unitSystem = Obd::US_IMPERIAL;
+    connect(m_settings, &Obd::SettingsModel::unitSystemChanged, this,
+            &LiveDataViewModel::onUnitSystemChanged);
     connect(m_listModel, &LiveDataListModel::valueUpdated, this, &LiveDataViewModel::onValueUpdated);
     connect(m_connectionManager, &ConnectionManager::connected, this, &LiveDataViewModel::onConnected);
     connect(m_connectionManager, &ConnectionManager::disconnected, this,
@@ -71,9 +71,13 @@ Obd::UnitSystem LiveDataViewModel::unitSystem() const
 
 void LiveDataViewModel::setUnitSystem(Obd::UnitSystem unitSystem)
 {
-    m_unitSystem = unitSystem;
-    QSettings().setValue(KEY_UNIT_SYSTEM, static_cast<int>(unitSystem));
-    m_listModel->setUnitSystem(unitSystem);
+    m_settings->setUnitSystem(unitSystem);
+}
+
+void LiveDataViewModel::onUnitSystemChanged()
+{
+    m_unitSystem = static_cast<Obd::UnitSystem>(m_settings->unitSystem());
+    m_listModel->setUnitSystem(m_unitSystem);
     // The line so far is in the other unit.
     if (m_chart)
         m_chart->clear();

@@ -7,6 +7,10 @@
 #include <QObject>
 #include <QPointer>
 
+namespace Obd {
+class SettingsModel;
+}
+
 namespace Harmattan {
 
 class ConnectionManager;
@@ -14,7 +18,7 @@ class LiveDataListModel;
 class ValueChart;
 
 // Live data: every supported PID of every ECU; a row is polled while the
-// list shows it, and the values follow the metric/imperial choice.
+// list shows it, and the values follow the metric/imperial setting.
 class LiveDataViewModel : public QObject, public IViewModel
 {
     Q_OBJECT
@@ -22,9 +26,9 @@ class LiveDataViewModel : public QObject, public IViewModel
 public:
     // As fast as the adapter answers: a sensor never has two requests queued.
     static constexpr int REFRESH_MS = 250;
-    static const char* const KEY_UNIT_SYSTEM;
 
-    explicit LiveDataViewModel(ConnectionManager* connectionManager, QObject* parent = nullptr);
+    LiveDataViewModel(ConnectionManager* connectionManager, Obd::SettingsModel* settings,
+                      QObject* parent = nullptr);
     ~LiveDataViewModel() override;
 
     void setView(QObject* view) override;
@@ -32,6 +36,7 @@ public:
 
     LiveDataListModel* listModel() const;
     Obd::UnitSystem unitSystem() const;
+    // Changes the setting, so every screen follows.
     void setUnitSystem(Obd::UnitSystem unitSystem);
 
 public slots:
@@ -45,12 +50,16 @@ public slots:
     void onChartRow(int row);
     void onValueUpdated(int row);
 
+private slots:
+    void onUnitSystemChanged();
+
 private:
     void showState();
     void poll();
 
     QPointer<QObject> m_view;
     ConnectionManager* m_connectionManager;
+    Obd::SettingsModel* m_settings;
     LiveDataListModel* m_listModel;
     bool m_connected;
     int m_first;

@@ -2,17 +2,16 @@
 
 #include "connectionmanager.h"
 #include "iobdproxy.h"
-#include "livedataviewmodel.h"
 #include "obdparameterupdater.h"
 #include "powertrain/monitorstatus.h"
 #include "readinesslistmodel.h"
 #include "sensor.h"
 #include "sensorcreator.h"
 #include "sensorvalue.h"
+#include "settingsmodel.h"
 #include "workerthread.h"
 
 #include <QQmlContext>
-#include <QSettings>
 #include <QStringList>
 #include <QVariant>
 
@@ -34,9 +33,11 @@ using Row = ReadinessListModel::Row;
 
 } // namespace
 
-ReadinessViewModel::ReadinessViewModel(ConnectionManager* connectionManager, QObject* parent)
+ReadinessViewModel::ReadinessViewModel(ConnectionManager* connectionManager,
+                                       Obd::SettingsModel* settings, QObject* parent)
     : QObject(parent)
     , m_connectionManager(connectionManager)
+    , m_settings(settings)
     , m_listModel(new ReadinessListModel(this))
     , m_status(new Obd::MonitorStatus())
     , m_updater(new Obd::ObdParameterUpdater(m_status))
@@ -49,6 +50,17 @@ ReadinessViewModel::ReadinessViewModel(ConnectionManager* connectionManager, QOb
     connect(m_connectionManager, &ConnectionManager::connected, this, &ReadinessViewModel::onConnected);
     connect(m_connectionManager, &ConnectionManager::disconnected, this,
             &ReadinessViewModel::onDisconnected);
+    connect(m_settings, &Obd::SettingsModel::unitSystemChanged, this,
+            &ReadinessViewModel::onUnitSystemChanged);
+}
+
+void ReadinessViewModel::onUnitSystemChanged()
+{
+    // The counters hold both units; only the shown one changes.
+    const Obd::UnitSystem units = static_cast<Obd::UnitSystem>(m_settings->unitSystem());
+    for (Obd::Sensor* counter : m_counters)
+        counter->setUnitSystem(units);
+    compose();
 }
 
 ReadinessViewModel::~ReadinessViewModel()
@@ -117,8 +129,7 @@ void ReadinessViewModel::read()
     qDeleteAll(m_counters);
     m_counters.clear();
     m_haveStatus = false;
-    const Obd::UnitSystem units = QSettings().value(LiveDataViewModel::KEY_UNIT_SYSTEM).toInt() == Obd::US_IMPERIAL
-        ? Obd::US_IMPERIAL : Obd::US_METRIC;
+    const Obd::UnitSystem units = static_cast<Obd::UnitSystem>(m_settings->unitSystem());
     for (const Obd::EcuPtr& ecu : ecus) {
         if (!ecu || !ecu->isSupported(1, 0x01))
             continue;

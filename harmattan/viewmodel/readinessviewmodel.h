@@ -17,6 +17,10 @@ class ObdParameterUpdater;
 class Sensor;
 }
 
+namespace Obd {
+class SettingsModel;
+}
+
 namespace Harmattan {
 
 class ConnectionManager;
@@ -32,7 +36,8 @@ class ReadinessViewModel : public QObject, public IViewModel
 public:
     static const char* const READY;
 
-    explicit ReadinessViewModel(ConnectionManager* connectionManager, QObject* parent = nullptr);
+    ReadinessViewModel(ConnectionManager* connectionManager, Obd::SettingsModel* settings,
+                       QObject* parent = nullptr);
     ~ReadinessViewModel() override;
 
     void setView(QObject* view) override;
@@ -47,6 +52,9 @@ public slots:
     void onViewDestroyed();
     void onStatusRead(bool success);
 
+private slots:
+    void onUnitSystemChanged();
+
 private:
     void read();
     void compose();
@@ -54,6 +62,7 @@ private:
 
     QPointer<QObject> m_view;
     ConnectionManager* m_connectionManager;
+    Obd::SettingsModel* m_settings;
     ReadinessListModel* m_listModel;
     Obd::MonitorStatus* m_status;
     Obd::ObdParameterUpdater* m_updater;

@@ -2,6 +2,7 @@
 
 #include "navigationmodel.h"
 #include "settingsmodel.h"
+#include "unitsystem.h"
 
 #include <QRegularExpression>
 #include <QStringList>
@@ -24,6 +25,8 @@ namespace {
 const char* const METHOD_BLUETOOTH = "bluetooth";
 const char* const METHOD_WIFI = "wifi";
 const char* const METHOD_SERIAL = "serial";
+const char* const UNITS_METRIC = "metric";
+const char* const UNITS_IMPERIAL = "imperial";
 const int MAX_HOST_NAME_LENGTH = 253;
 
 bool isDottedIpv4(const QString& text)
@@ -78,6 +81,8 @@ SettingsViewModel::SettingsViewModel(Obd::SettingsModel* settings,
             &SettingsViewModel::updateSerial);
     connect(m_settings, &Obd::SettingsModel::serialBaudRateChanged, this,
             &SettingsViewModel::updateSerial);
+    connect(m_settings, &Obd::SettingsModel::unitSystemChanged, this,
+            &SettingsViewModel::updateUnitSystem);
 }
 
 void SettingsViewModel::setView(QObject* view)
@@ -96,6 +101,7 @@ void SettingsViewModel::setView(QObject* view)
     updateSerial();
     setViewProperty("serialDeviceError", QString());
     setViewProperty("serialBaudRateError", QString());
+    updateUnitSystem();
 
     connect(m_view, &QObject::destroyed, this, &SettingsViewModel::onViewDestroyed);
     connect(m_view, SIGNAL(connectionMethodChanged(QString)), this,
@@ -108,6 +114,8 @@ void SettingsViewModel::setView(QObject* view)
             SLOT(onViewSerialDeviceChanged(QString)));
     connect(m_view, SIGNAL(serialBaudRateEdited(QString)), this,
             SLOT(onViewSerialBaudRateChanged(QString)));
+    connect(m_view, SIGNAL(unitSystemChanged(QString)), this,
+            SLOT(onViewUnitSystemChanged(QString)));
 }
 
 void SettingsViewModel::setContext(QQmlContext*)
@@ -126,6 +134,11 @@ QString SettingsViewModel::methodText(int method)
     default:
         return QString();
     }
+}
+
+QString SettingsViewModel::unitSystemText(int unitSystem)
+{
+    return QString::fromLatin1(unitSystem == Obd::US_IMPERIAL ? UNITS_IMPERIAL : UNITS_METRIC);
 }
 
 QString SettingsViewModel::ipAddressProblem(const QString& address)
@@ -208,6 +221,14 @@ void SettingsViewModel::onViewSerialBaudRateChanged(QString rate)
         m_settings->setSerialBaudRate(rate.trimmed());
 }
 
+void SettingsViewModel::onViewUnitSystemChanged(QString units)
+{
+    if (units == QLatin1String(UNITS_METRIC))
+        m_settings->setUnitSystem(Obd::US_METRIC);
+    else if (units == QLatin1String(UNITS_IMPERIAL))
+        m_settings->setUnitSystem(Obd::US_IMPERIAL);
+}
+
 void SettingsViewModel::onShowBluetoothSearch()
 {
     m_navigationModel->activateView(NavigationModel::BluetoothSearchView);
@@ -243,6 +264,11 @@ void SettingsViewModel::updateSerial()
 {
     setViewProperty("serialDevice", m_settings->serialDevice());
     setViewProperty("serialBaudRate", m_settings->serialBaudRate());
+}
+
+void SettingsViewModel::updateUnitSystem()
+{
+    setViewProperty("unitSystemText", unitSystemText(m_settings->unitSystem()));
 }
 
 void SettingsViewModel::setViewProperty(const char* name, const QVariant& value)

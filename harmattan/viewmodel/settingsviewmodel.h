@@ -16,7 +16,7 @@ namespace Harmattan {
 class NavigationModel;
 
 // The settings screen: connection method, Bluetooth device, IP address and
-// port, serial device and baud rate. Input is checked before it reaches the settings model.
+// port, serial device and baud rate, and metric or imperial units. Input is checked before it reaches the settings model.
 class SettingsViewModel : public QObject, public IViewModel
 {
     Q_OBJECT
@@ -41,6 +41,7 @@ public:
     static QString serialBaudRateProblem(const QString& rate);
 
     static QString methodText(int method);
+    static QString unitSystemText(int unitSystem);
 
 public slots:
     void onViewConnectionMethodChanged(QString method);
@@ -48,6 +49,7 @@ public slots:
     void onViewIpPortChanged(QString port);
     void onViewSerialDeviceChanged(QString device);
     void onViewSerialBaudRateChanged(QString rate);
+    void onViewUnitSystemChanged(QString units);
     void onShowBluetoothSearch();
     void onViewDestroyed();
 
@@ -57,6 +59,7 @@ private slots:
     void updateIpPort();
     void updateBluetoothDevice();
     void updateSerial();
+    void updateUnitSystem();
 
 private:
     void setViewProperty(const char* name, const QVariant& value);
