@@ -170,7 +170,7 @@ ConnectionManager::ConnectionManager(Obd::SettingsModel* settings, QObject* pare
     , m_settings(settings)
     , m_localDevice(new QBluetoothLocalDevice(this))
     , m_awaitingBluetooth(false)
-    , m_backoff(&ConnectionManager::backoffMs)
+    , m_backoff(&Obd::VehicleLink::reconnectDelayMs)
     , m_attempt(0)
     , m_reconnecting(false)
     , m_attemptAbandoned(false)
@@ -179,12 +179,6 @@ ConnectionManager::ConnectionManager(Obd::SettingsModel* settings, QObject* pare
 {
     m_retryTimer.setSingleShot(true);
     connect(&m_retryTimer, &QTimer::timeout, this, &ConnectionManager::onRetryTimer);
-}
-
-int ConnectionManager::backoffMs(int attempt)
-{
-    static const int DOUBLING[] = { 1000, 2000, 4000, 8000 };
-    return attempt >= 0 && attempt < 4 ? DOUBLING[attempt] : 15000;
 }
 
 ConnectionManager::~ConnectionManager()

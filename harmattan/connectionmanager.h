@@ -42,9 +42,6 @@ public:
     // the vehicle counts as not responding.
     static constexpr int SILENCE_LIMIT_MS = 5000;
 
-    // The wait before reconnect attempt n (0 the first): 1, 2, 4, 8 s, then
-    // every 15 s.
-    static int backoffMs(int attempt);
 
     ConnectionManager(Obd::SettingsModel* settings, QObject* parent = nullptr);
     ~ConnectionManager() override;

@@ -180,4 +180,10 @@ void VehicleLink::close()
     m_state.compare_exchange_strong(open, LS_CLOSED);
 }
 
+int VehicleLink::reconnectDelayMs(int attempt)
+{
+    static const int DOUBLING[] = { 1000, 2000, 4000, 8000 };
+    return attempt >= 0 && attempt < 4 ? DOUBLING[attempt] : 15000;
+}
+
 } // namespace Obd

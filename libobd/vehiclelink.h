@@ -39,6 +39,9 @@ public:
     static constexpr unsigned int RFCOMM_CHANNEL = 1;
 
     static const char* statusName(Status status);
+    // The wait before reopening attempt n (0 the first) after a lost link:
+    // 1, 2, 4, 8 s, then every 15 s.
+    static int reconnectDelayMs(int attempt);
 
     // The listener hears of a link lost once it is open (and of one lost while opening).
     explicit VehicleLink(IObdProxy* proxy, IDisconnectListener* listener = nullptr);

@@ -6,6 +6,7 @@
 #include "metergauge.h"
 #include "navigationmodel.h"
 #include "uiharness.h"
+#include "vehiclelink.h"
 #include "viewmodel/dashboardviewmodel.h"
 #include "zarvane.h"
 
@@ -23,7 +24,7 @@ TEST(ReconnectSchedule, DoublesFromOneSecondThenEveryFifteen)
                          { "fifth", 4, 15000 }, { "much later", 40, 15000 } };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
-        EXPECT_EQ(ConnectionManager::backoffMs(row.attempt), row.ms);
+        EXPECT_EQ(Obd::VehicleLink::reconnectDelayMs(row.attempt), row.ms);
     }
 }
 

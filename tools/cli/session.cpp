@@ -111,18 +111,12 @@ Session::Status Session::open(const Options& options,
     }
 }
 
-int Session::backoffMs(int attempt)
-{
-    static const int DOUBLING[] = { 1000, 2000, 4000, 8000 };
-    return attempt >= 0 && attempt < 4 ? DOUBLING[attempt] : 15000;
-}
-
 bool Session::reopen(const Options& options, const std::atomic<bool>& stop)
 {
     m_open = false;
     m_link.close();
     for (int attempt = 0; !stop; ++attempt) {
-        const auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(backoffMs(attempt));
+        const auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(Obd::VehicleLink::reconnectDelayMs(attempt));
         while (!stop && std::chrono::steady_clock::now() < until)
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
         if (stop)

@@ -40,11 +40,8 @@ public:
     void close();
     // Gives up the opening under way, if any; async-signal-safe.
     static void cancelOpening();
-    // The wait before reopening attempt n (0 the first): 1, 2, 4, 8 s, then
-    // every 15 s.
-    static int backoffMs(int attempt);
     // After a lost link: closes what is left of it and opens it again, with
-    // backoffMs() between attempts, until it opens (true) or stop is set.
+    // Obd::VehicleLink::reconnectDelayMs() between attempts, until it opens (true) or stop is set.
     bool reopen(const Options& options, const std::atomic<bool>& stop);
 
     Obd::IObdProxy* proxy() { return &m_proxy; }
