@@ -76,6 +76,29 @@ struct ResultRow
     const char* log = nullptr;
 };
 
+// Each row parsed by a fresh result: what it shows, or that it refused the
+// answer and logged why.
+template <class Result, size_t N>
+void expectRows(const ResultRow (&rows)[N])
+{
+    for (const ResultRow& row : rows) {
+        SCOPED_TRACE(row.name);
+        LogCapture::instance().clear();
+        Result result(hexBytes(row.hex)[1]);
+        EXPECT_EQ(row.shown != nullptr, result.parse(row.protocol, 0x10, hexBytes(row.hex)));
+        if (row.shown) {
+            EXPECT_EQ(row.shown, shown(result, ecu()));
+        } else {
+            std::vector<unsigned int> ids;
+            result.getEcuIds(ids);
+            EXPECT_TRUE(ids.empty());
+        }
+        if (row.log) {
+            EXPECT_TRUE(LogCapture::instance().contains(row.log, LOG_ERROR)) << LogCapture::instance().dump();
+        }
+    }
+}
+
 } // namespace
 
 TEST(MonitorTestResults, Service06RecordsAndLines)
@@ -109,22 +132,7 @@ TEST(MonitorTestResults, Service06RecordsAndLines)
         { "CAN record on ISO 9141", ISO9141, "46 01 05 10 00 48 00 00 00 96", nullptr, "Invalid length: 10" },
         { "second line of service 05", ISO9141, "46 01 05 00 64 00 C8 45 01 05 00 64 00 C8", nullptr, "Invalid data received" },
     };
-    for (const ResultRow& row : rows) {
-        SCOPED_TRACE(row.name);
-        LogCapture::instance().clear();
-        MonitorTestResult result(hexBytes(row.hex)[1]);
-        EXPECT_EQ(row.shown != nullptr, result.parse(row.protocol, 0x10, hexBytes(row.hex)));
-        if (row.shown) {
-            EXPECT_EQ(row.shown, shown(result, ecu()));
-        } else {
-            std::vector<unsigned int> ids;
-            result.getEcuIds(ids);
-            EXPECT_TRUE(ids.empty());
-        }
-        if (row.log) {
-            EXPECT_TRUE(LogCapture::instance().contains(row.log, LOG_ERROR)) << LogCapture::instance().dump();
-        }
-    }
+    expectRows<MonitorTestResult>(rows);
 }
 
 TEST(MonitorTestResults, AnswersReplaceAndTheUnitSystemChangesTheTexts)
@@ -170,22 +178,7 @@ TEST(MonitorTestResults, Service05OxygenSensorLines)
         { "no sensor bit", ISO9141, "45 01 00 5A 00 C8", nullptr, "Invalid sensor byte: 0" },
         { "two sensor bits", ISO9141, "45 01 03 5A 00 C8", nullptr, "Invalid sensor byte: 3" },
     };
-    for (const ResultRow& row : rows) {
-        SCOPED_TRACE(row.name);
-        LogCapture::instance().clear();
-        OxygenSensorTestResult result(hexBytes(row.hex)[1]);
-        EXPECT_EQ(row.shown != nullptr, result.parse(row.protocol, 0x10, hexBytes(row.hex)));
-        if (row.shown) {
-            EXPECT_EQ(row.shown, shown(result, ecu()));
-        } else {
-            std::vector<unsigned int> ids;
-            result.getEcuIds(ids);
-            EXPECT_TRUE(ids.empty());
-        }
-        if (row.log) {
-            EXPECT_TRUE(LogCapture::instance().contains(row.log, LOG_ERROR)) << LogCapture::instance().dump();
-        }
-    }
+    expectRows<OxygenSensorTestResult>(rows);
 
     OxygenSensorTestResult result(0x01);
     ASSERT_TRUE(result.parse(ISO9141, 0x10, hexBytes("45 01 01 5A 00 C8 45 01 02 5A 00 C8")));
