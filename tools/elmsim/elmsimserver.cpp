@@ -41,6 +41,8 @@ ElmSimServer::ElmSimServer(const ServerOptions& options)
     , m_stopping(false)
     , m_dropRequested(false)
 {
+    for (EcuProfile& ecu : m_profile.ecus)
+        ecu.clearRefusal = options.refuseClear;
     m_original = m_profile;
 }
 

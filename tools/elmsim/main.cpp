@@ -34,6 +34,8 @@ const char* const HELP =
     "  --profile NAME       vehicle profile (default can11), see --list-profiles\n"
     "  --list-profiles      print the profiles and exit\n"
     "  --frozen             live values stay at their t=0 values\n"
+    "  --refuse-clear NRC   every ECU refuses service 04 with 7F 04 NRC (hexadecimal,\n"
+    "                       e.g. 22: conditions not correct, the engine runs)\n"
     "\n"
     "Adapter:\n"
     "  --banner TEXT        identity printed by ATZ and ATI (default \"ELM327 v1.5\")\n"
@@ -146,6 +148,12 @@ int main(int argc, char** argv)
             options.transcriptPath = argv[++i];
         } else if (arg == "--frozen") {
             options.frozen = true;
+        } else if (arg == "--refuse-clear") {
+            char* end = nullptr;
+            const long nrc = hasValue ? std::strtol(argv[++i], &end, 16) : 0;
+            if (!end || *end != '\0' || nrc < 1 || nrc > 0xFF)
+                return usageError("--refuse-clear needs a response code 01..FF (hexadecimal)");
+            options.refuseClear = static_cast<uint8_t>(nrc);
         } else if (arg == "--banner" && hasValue) {
             options.banner = argv[++i];
         } else if (arg == "--no-identify") {

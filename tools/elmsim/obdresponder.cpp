@@ -215,6 +215,10 @@ bool ObdResponder::troubleCodes(const std::vector<std::string>& codes, uint8_t r
 
 bool ObdResponder::clearCodes(EcuProfile& ecu, const VehicleState& state, EcuAnswer& answer)
 {
+    if (ecu.clearRefusal != 0) {
+        answer.messages.push_back({ NEGATIVE_RESPONSE, 0x04, ecu.clearRefusal });
+        return true;
+    }
     if (ecu.refusesClearWhileRunning && state.rpm > 0.0) {
         answer.messages.push_back({ NEGATIVE_RESPONSE, 0x04, CONDITIONS_NOT_CORRECT });
         return true;

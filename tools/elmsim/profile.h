@@ -85,6 +85,7 @@ struct EcuProfile {
     double minutesSinceClear = 0.0;
     uint8_t warmUpsSinceClear = 0;
     bool refusesClearWhileRunning = false; // 04 answers 7F 04 22
+    uint8_t clearRefusal = 0;              // 04 always answers 7F 04 with this NRC; 0 none
     unsigned int latencyMs = 0;            // answer time under a timing model; 0: 20 ms
 
     // Set by service 04.

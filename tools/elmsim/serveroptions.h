@@ -23,6 +23,7 @@ struct ServerOptions {
     unsigned int garbageBytes = 0;        // random non-'>' bytes before each prompt
     std::string transcriptPath;           // time-stamped request/reply log
     bool frozen = false;                  // live values fixed at their t=0 values
+    uint8_t refuseClear = 0;              // every ECU answers 04 with 7F 04 and this NRC; 0 clears
     std::string banner;                   // identity text; empty: "ELM327 v1.5"
     bool identify = true;                 // false: ATZ/ATI answer "?"
     std::string adapter = "genuine";      // personality, see Personality::names()
