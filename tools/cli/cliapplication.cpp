@@ -492,7 +492,7 @@ int CliApplication::dtc(Session& session, Printer& printer)
                 item["unreadCodes"] = confirmed - storedCount;
             }
             QJsonArray monitors;
-            HtmlReport::Ecu readiness;
+            Obd::HtmlReport::Ecu readiness;
             readiness.hasStatus = readiness.statusRead = true;
             readiness.mil = mil;
             for (unsigned int id = 0; id <= 15; ++id) {
@@ -510,11 +510,11 @@ int CliApplication::dtc(Session& session, Printer& printer)
                 monitor["complete"] = complete;
                 monitors.append(monitor);
                 readiness.monitors.push_back({Obd::MonitorStatus::getMonitorName(id),
-                                              complete ? HtmlReport::MONITOR_COMPLETE : HtmlReport::MONITOR_INCOMPLETE});
+                                              complete ? Obd::HtmlReport::MONITOR_COMPLETE : Obd::HtmlReport::MONITOR_INCOMPLETE});
             }
             item["monitors"] = monitors;
             // The same verdict as the HTML report, per ECU.
-            const std::vector<std::string> notReady = HtmlReport::notReady(readiness);
+            const std::vector<std::string> notReady = Obd::HtmlReport::notReady(readiness);
             std::string verdict = notReady.empty() ? "Ready for an emissions inspection" : "Not ready: ";
             for (size_t i = 0; i < notReady.size(); ++i)
                 verdict += (i ? ", " : "") + notReady[i];

@@ -1,226 +1,24 @@
 #include "reporter.h"
 
-#include "ecu.h"
-#include "imonitortestitem.h"
-#include "iscantool.h"
-#include "obdtransporter.h"
-#include "sensorinfo.h"
+#include "reportreader.h"
 #include "session.h"
-#include "unittable.h"
-#include "parameters/calibrationids.h"
-#include "parameters/monitortestresult.h"
-#include "parameters/pendingtroublecodes.h"
-#include "parameters/storedtroublecodes.h"
-#include "parameters/vehicleidentificationnumber.h"
-#include "powertrain/freezeframetroublecode.h"
-#include "powertrain/monitorstatus.h"
-#include "powertrain/parameterfactory.h"
-
-#include <algorithm>
-#include <cstdio>
-#include <ctime>
-#include <fstream>
-#include <memory>
 
 namespace Cli {
-
-namespace {
-
-// True when the ECU's answer was read; else the reason in why.
-bool wasRead(const Obd::ObdParameter& parameter, const Obd::Ecu& ecu, std::string& why)
-{
-    const Obd::ReadStatus status = parameter.readStatus(ecu.getId());
-    why = status.ok() ? std::string() : status.reason;
-    return status.ok();
-}
-
-std::string hex(unsigned int value, bool wide = false)
-{
-    char text[16];
-    std::snprintf(text, sizeof text, wide ? "%08X" : "%03X", value);
-    return text;
-}
-
-std::vector<HtmlReport::Code> codesOf(const Obd::DtcParameter& parameter, const Obd::Ecu& ecu)
-{
-    std::vector<Obd::Dtc> found;
-    parameter.getDtcs(ecu, found);
-    std::vector<HtmlReport::Code> codes;
-    for (const Obd::Dtc& dtc : found)
-        codes.push_back({dtc.getCode(), dtc.getDescription()});
-    return codes;
-}
-
-// Tests on older protocols have one limit only.
-std::string limits(const std::string& minimum, const std::string& maximum)
-{
-    if (minimum.empty())
-        return maximum.empty() ? std::string() : "at most " + maximum;
-    return maximum.empty() ? "at least " + minimum : minimum + " .. " + maximum;
-}
-
-} // namespace
 
 Reporter::Reporter(Session& session)
     : m_session(session)
 {
 }
 
-HtmlReport::Data Reporter::read()
-{
-    Obd::IObdProxy* proxy = m_session.proxy();
-    auto execute = [&](Obd::ObdParameter& parameter) {
-        return Obd::ObdTransporter().execute(proxy, &parameter) == Obd::ER_OK;
-    };
-    HtmlReport::Data data;
-    char date[64];
-    const std::time_t now = std::time(nullptr);
-    std::tm local;
-    localtime_r(&now, &local);
-    std::strftime(date, sizeof date, "%Y-%m-%d %H:%M %Z", &local);
-    data.date = date;
-    Obd::IScantool* scantool = m_session.scantool();
-    const Obd::DeviceInfo device = scantool->getDeviceInfo();
-    data.adapter = device.name + (device.version.empty() ? "" : " " + device.version) +
-                   (device.description.empty() ? "" : " (" + device.description + ")");
-    data.protocol = scantool->getProtocolName();
-    const bool can = Obd::isCanProtocol(scantool->getProtocol());
-
-    std::vector<Obd::EcuPtr> ecus;
-    proxy->getEcus(ecus);
-    auto any = [&](unsigned int service, unsigned char number) {
-        return std::any_of(ecus.begin(), ecus.end(),
-                           [&](const Obd::EcuPtr& e) { return e->isSupported(service, number); });
-    };
-    Obd::VehicleIdentificationNumber vin;
-    Obd::CalibrationIds calibrations;
-    Obd::StoredTroubleCodes stored;
-    Obd::PendingTroubleCodes pending;
-    Obd::MonitorStatus status;
-    // Each ECU's own read status then says whether its part could be read.
-    if (any(9, 0x02))
-        execute(vin);
-    if (any(9, 0x04))
-        execute(calibrations);
-    execute(stored);
-    execute(pending);
-    if (any(1, 0x01))
-        execute(status);
-    std::string why;
-
-    for (const Obd::EcuPtr& ecu : ecus) {
-        HtmlReport::Ecu item;
-        item.id = hex(ecu->getId(), ecu->getId() > 0xFFF);
-        item.name = ecu->getShortName() + " - " + ecu->getLongName();
-        if (ecu->isSupported(9, 0x02)) {
-            if (wasRead(vin, *ecu, item.vinWhy) && vin.hasVin(*ecu))
-                item.vin = vin.getVin(*ecu);
-            else if (item.vinWhy.empty())
-                item.vinWhy = "empty VIN";
-        }
-        if (ecu->isSupported(9, 0x04) && wasRead(calibrations, *ecu, why))
-            item.calibrationIds = calibrations.getCalibrationIds(*ecu);
-        item.codesRead = wasRead(stored, *ecu, item.codesWhy);
-        if (item.codesRead)
-            item.stored = codesOf(stored, *ecu);
-        item.pendingRead = wasRead(pending, *ecu, item.pendingWhy);
-        if (item.pendingRead)
-            item.pending = codesOf(pending, *ecu);
-
-        item.hasStatus = ecu->isSupported(1, 0x01);
-        item.statusRead = item.hasStatus && wasRead(status, *ecu, item.statusWhy);
-        if (item.statusRead) {
-            item.mil = status.isMilOn(*ecu);
-            item.confirmed = static_cast<int>(status.getDtcCount(*ecu));
-            const bool diesel = status.isCompressionIgnition(*ecu);
-            for (unsigned int id = 0; id <= 15; ++id) {
-                // Monitors 3..9 belong to spark ignition, 10..15 to compression.
-                if ((id >= 3 && id <= 9 && diesel) || (id >= 10 && !diesel))
-                    continue;
-                HtmlReport::MonitorState state = !status.isSupported(*ecu, id) ? HtmlReport::MONITOR_NOT_SUPPORTED
-                                                 : status.isComplete(*ecu, id) ? HtmlReport::MONITOR_COMPLETE
-                                                                               : HtmlReport::MONITOR_INCOMPLETE;
-                item.monitors.push_back({Obd::MonitorStatus::getMonitorName(id), state});
-            }
-        }
-
-        // The frame is there when the ECU lists its code PID under service 02.
-        item.hasFreezeFrame = ecu->isSupported(2, 0x02);
-        if (item.hasFreezeFrame) {
-            Obd::FreezeFrameTroubleCode code;
-            execute(code);
-            item.freezeFrameRead = wasRead(code, *ecu, item.freezeFrameWhy);
-            if (item.freezeFrameRead)
-                item.freezeFrameCode = code.getCode(*ecu);
-            std::vector<unsigned char> pids;
-            ecu->getSupported(2, pids);
-            for (unsigned char pid : pids) {
-                if (!item.freezeFrameRead || pid == 0x02 || pid % 0x20 == 0)
-                    continue;
-                std::unique_ptr<Obd::PowertrainParameter> value(Obd::ParameterFactory::create(pid, 2));
-                if (!value)
-                    continue;
-                std::vector<std::string> texts;
-                execute(*value);
-                if (wasRead(*value, *ecu, why))
-                    value->getFormattedValues(*ecu, Obd::US_METRIC, texts);
-                std::vector<Obd::SensorInfo*> infos;
-                value->getSensorInfos(infos);
-                std::string text;
-                for (size_t i = 0; i < texts.size(); ++i) {
-                    std::string unit = i < infos.size() ? Obd::unitText(infos[i]->getUnit(Obd::US_METRIC)) : "";
-                    text += (i ? ", " : "") + texts[i] + (unit.empty() ? "" : " " + unit);
-                }
-                item.freezeFrame.push_back(
-                    {value->getName(*ecu), text.empty() ? "could not read" + (why.empty() ? "" : " (" + why + ")") : text});
-            }
-        }
-
-        std::vector<unsigned char> ids;
-        ecu->getSupported(6, ids);
-        ids.erase(std::remove_if(ids.begin(), ids.end(), [](unsigned char id) { return id % 0x20 == 0; }),
-                  ids.end());
-        item.hasTests = !ids.empty();
-        for (unsigned char id : ids) {
-            Obd::MonitorTestResult result(id);
-            execute(result);
-            if (!wasRead(result, *ecu, why)) {
-                if (item.testsWhy.empty())
-                    item.testsWhy = why;
-                continue;
-            }
-            item.testsRead = true;
-            for (unsigned char mid : result.getMids(*ecu)) {
-                const std::string name =
-                    can ? Obd::MonitorTestResult::getMidName(mid) : "TID $" + hex(mid).substr(1);
-                for (const auto& test : result.getTestItems(*ecu, mid)) {
-                    const std::string unit = Obd::unitText(test->getUnit());
-                    item.tests.push_back({name + " / " + test->getTidName(),
-                                          test->getValueText() + (unit.empty() ? "" : " " + unit),
-                                          limits(test->getMinimumText(), test->getMaximumText()),
-                                          test->isPassed()});
-                }
-            }
-        }
-        data.ecus.push_back(item);
-    }
-    return data;
-}
-
 int Reporter::write(const std::string& path, std::ostream& out, std::ostream& err)
 {
-    const HtmlReport::Data data = read();
-    std::ofstream file(path, std::ios::binary | std::ios::trunc);
-    file << HtmlReport::render(data);
-    file.close();
-    if (!file) {
+    const Obd::HtmlReport::Data data = Obd::ReportReader(m_session.proxy()).read();
+    if (!Obd::ReportReader::write(data, path)) {
         err << "zarvane-cli: cannot write " << path << "\n";
         return 1;
     }
     out << "Report written to " << path << "\n";
-    const bool anyRead = std::any_of(data.ecus.begin(), data.ecus.end(), [](const HtmlReport::Ecu& ecu) {
-        return ecu.codesRead || ecu.statusRead;
-    });
+    const bool anyRead = Obd::ReportReader::anyRead(data);
     if (!anyRead && !m_session.isLost())
         err << "zarvane-cli: could not read the trouble codes or the readiness\n";
     return anyRead ? 0 : 1;

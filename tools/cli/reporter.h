@@ -10,13 +10,13 @@ namespace Cli {
 
 class Session;
 
-// Reads what a report shows from the vehicle behind a session.
+// The report command: the library reads the vehicle behind the session and
+// renders the page; this says how it went.
 class Reporter
 {
 public:
     explicit Reporter(Session& session);
 
-    HtmlReport::Data read();
     // Reads and writes the page to path; the exit code of the command.
     int write(const std::string& path, std::ostream& out, std::ostream& err);
 

@@ -204,16 +204,16 @@ TEST(CliReport, ThePageHoldsTheVinEveryCodeAndTheVerdict)
 
 TEST(CliReport, TextFromTheCarIsEscapedAndAnUnreadItemSaidSo)
 {
-    Cli::HtmlReport::Data data;
+    Obd::HtmlReport::Data data;
     data.adapter = "ELM327 <b>v9</b>";
-    Cli::HtmlReport::Ecu ecu;
+    Obd::HtmlReport::Ecu ecu;
     ecu.id = "7E8";
     ecu.vin = "<script>alert('x')</script>";
     ecu.calibrationIds = {"CAL&\"\x1b[2J"};
     ecu.hasStatus = true;
     ecu.codesWhy = "adapter error: <CAN ERROR>";
     data.ecus.push_back(ecu);
-    const std::string page = Cli::HtmlReport::render(data);
+    const std::string page = Obd::HtmlReport::render(data);
     for (const char* raw : {"<script>", "<b>", "CAL&\"", "\x1b"}) {
         EXPECT_EQ(std::string::npos, page.find(raw)) << raw;
     }
@@ -227,9 +227,9 @@ TEST(CliReport, TextFromTheCarIsEscapedAndAnUnreadItemSaidSo)
     EXPECT_NE(std::string::npos, page.find("ECU 7E8: readiness could not read"));
     // Read, MIL off, every supported monitor complete: ready; one incomplete: named.
     data.ecus[0].statusRead = true;
-    data.ecus[0].monitors = {{"Catalyst", Cli::HtmlReport::MONITOR_COMPLETE},
-                             {"EGR", Cli::HtmlReport::MONITOR_NOT_SUPPORTED}};
-    EXPECT_NE(std::string::npos, Cli::HtmlReport::render(data).find("Ready for an emissions inspection"));
-    data.ecus[0].monitors[0].state = Cli::HtmlReport::MONITOR_INCOMPLETE;
-    EXPECT_NE(std::string::npos, Cli::HtmlReport::render(data).find("<li>ECU 7E8: Catalyst not ready</li>"));
+    data.ecus[0].monitors = {{"Catalyst", Obd::HtmlReport::MONITOR_COMPLETE},
+                             {"EGR", Obd::HtmlReport::MONITOR_NOT_SUPPORTED}};
+    EXPECT_NE(std::string::npos, Obd::HtmlReport::render(data).find("Ready for an emissions inspection"));
+    data.ecus[0].monitors[0].state = Obd::HtmlReport::MONITOR_INCOMPLETE;
+    EXPECT_NE(std::string::npos, Obd::HtmlReport::render(data).find("<li>ECU 7E8: Catalyst not ready</li>"));
 }

@@ -2,7 +2,7 @@
 
 #include <sstream>
 
-namespace Cli {
+namespace Obd {
 
 namespace {
 
@@ -184,4 +184,4 @@ std::string HtmlReport::render(const Data& data)
     return h.str();
 }
 
-} // namespace Cli
+} // namespace Obd

@@ -1,10 +1,10 @@
-#ifndef CLI_HTMLREPORT_H
-#define CLI_HTMLREPORT_H
+#ifndef OBD_HTMLREPORT_H
+#define OBD_HTMLREPORT_H
 
 #include <string>
 #include <vector>
 
-namespace Cli {
+namespace Obd {
 
 // One self-contained HTML page (inline style, no script, nothing fetched)
 // from data already read and decoded. Every text from the car or the
@@ -79,6 +79,6 @@ public:
     static std::string escaped(const std::string& text);
 };
 
-} // namespace Cli
+} // namespace Obd
 
 #endif
