@@ -283,27 +283,14 @@ bool ElmScantool::confirmBaudRate()
 
 bool ElmScantool::reset()
 {
-    drain(250);
-    std::string reply;
-    if (!atCommand("ATZ", reply, RESET_TIMEOUT_MS))
-        return false;
-    if (reply.empty()) {
-        // Only the echo came: the banner follows later.
-        std::vector<std::string> lines;
-        readLines(lines, RESET_TIMEOUT_MS);
-        for (const std::string& line : lines)
-            reply += line + " ";
-    }
-    return identifyDevice(reply);
+    return restart("ATZ");
 }
 
 bool ElmScantool::warmStart()
 {
-    drain(250);
-    std::string reply;
-    atCommand("ATWS", reply, RESET_TIMEOUT_MS);
-    if (identifyDevice(reply))
+    if (restart("ATWS"))
         return true;
+    std::string reply;
     // Without a warm start the defaults at least undo what an earlier client set.
     return atCommand("ATD", reply) && contains(reply, ACK);
 }
@@ -352,9 +339,10 @@ void ElmScantool::readChip()
 bool ElmScantool::initialize(unsigned int protocol)
 {
     m_requestedProtocol = protocol;
-    drain(50);
+    // Replies so far were read to their prompt: only bytes already here are
+    // stale, and noise after a reset is dropped with the next reply's lines.
+    drain(0);
     setDelimiter(PROMPT);
-    drain(50);
     // Echo and line feeds are stripped from replies anyway: a clone that
     // refuses either can still be used.
     if (trySetting("ATE0", "Failed to set echo off. Response: ") == SR_FAILED)
@@ -715,12 +703,49 @@ bool ElmScantool::reinitialise()
     return headers ? setHeadersOn() : setHeadersOff();
 }
 
+namespace {
+
+// "ELM327 v1.5": a name ending in digits, then a version such as v1.5 or v1.4b.
+QRegularExpressionMatch bannerMatch(const std::string& reply)
+{
+    static const QRegularExpression PATTERN(QStringLiteral("\\b(\\S+[0-9]{1,3})\\s?(\\S\\d+\\.\\d+\\S?)"));
+    return PATTERN.match(QString::fromStdString(reply));
+}
+
+} // namespace
+
+bool ElmScantool::restart(const std::string& command)
+{
+    // Only bytes already here are surely stale. The end of a reply still on
+    // its way comes back as the "answer" to the reset, and the banner is
+    // read after it; a reset swallowed by a search it STOPPED is sent again.
+    drain(0);
+    std::string reply;
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        if (!atCommand(command, reply, RESET_TIMEOUT_MS))
+            return false;
+        if (reply == "?" || bannerMatch(reply).hasMatch())
+            break;
+        if (!reply.empty())
+            OBD_INFO << "Before the banner, an earlier reply: " << ElmTransport::escaped(reply);
+        std::vector<std::string> lines;
+        const int status = readLines(lines, RESET_TIMEOUT_MS);
+        if (status == 2)
+            return false;
+        if (status == 0 || reply.empty()) {
+            reply.clear();
+            for (const std::string& line : lines)
+                reply += line + " ";
+            break;
+        }
+        --m_owed; // the prompt came with STOPPED: nothing is owed
+    }
+    return identifyDevice(reply);
+}
+
 bool ElmScantool::identifyDevice(const std::string& reply)
 {
-    // "ELM327 v1.5": a name ending in digits, then a version such as v1.5 or v1.4b.
-    static const QString PATTERN = QStringLiteral("\\b(\\S+[0-9]{1,3})\\s?(\\S\\d+\\.\\d+\\S?)");
-    QRegularExpression expression(PATTERN);
-    QRegularExpressionMatch match = expression.match(QString::fromStdString(reply));
+    QRegularExpressionMatch match = bannerMatch(reply);
     if (!match.hasMatch()) {
         OBD_ERROR << "Failed to identify the device. Response: " << ElmTransport::escaped(reply);
         return false;

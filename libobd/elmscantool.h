@@ -104,6 +104,8 @@ private:
     bool read(std::string& text, unsigned int timeoutMs);
     std::string readJoined(unsigned int firstMs, unsigned int secondMs);
     void drain(unsigned int timeoutMs);
+    // ATZ or ATWS, kept in step with an adapter that still had a reply on its way.
+    bool restart(const std::string& command);
     enum SettingResult { SR_OK, SR_REFUSED, SR_FAILED };
     SettingResult trySetting(const std::string& command, const char* failureText, bool appendReply = true);
     bool setting(const std::string& command, const char* failureText, bool appendReply = true);

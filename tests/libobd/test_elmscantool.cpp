@@ -327,6 +327,19 @@ TEST(ElmScantool, AReplyLeftUnreadIsDroppedByTheNextCommand)
     }
 }
 
+TEST(ElmScantool, AResetLostInASearchItStoppedIsSentAgain)
+{
+    // An earlier client left a search running: the reset only stops it.
+    Adapter adapter;
+    adapter.link.addReply("ATZ", "ATZ\rSTOPPED\r\r>");
+    adapter.link.addReply("ATZ", "ATZ\r\r\rELM327 v1.5\r\r>");
+    adapter.link.setReply("ATI", "ATI\rELM327 v1.5\r\r>");
+    EXPECT_TRUE(adapter.tool.reset());
+    EXPECT_EQ("v1.5", adapter.tool.getDeviceInfo().version);
+    EXPECT_TRUE(adapter.tool.identify());
+    EXPECT_EQ(lines({"ATZ", "ATZ", "ATI", "STI"}), adapter.link.written());
+}
+
 TEST(ElmScantool, ALostLinkClearsTheAdapterStateButNotItsDescription)
 {
     Adapter adapter;
