@@ -27,6 +27,9 @@ const char* const DOCUMENTS[] = {
     "DtcBrowseView.qml",
     "LiveDataView.qml",
     "ReadinessView.qml",
+    "DtcDetailView.qml",
+    "OnBoardTestsView.qml",
+    "VehicleInfoView.qml",
 };
 const int VIEW_COUNT = sizeof(DOCUMENTS) / sizeof(DOCUMENTS[0]);
 
@@ -50,6 +53,7 @@ NavigationModel::NavigationModel(QObject* parent)
     , m_dtcBrowseViewModel(nullptr)
     , m_liveDataViewModel(nullptr)
     , m_readinessViewModel(nullptr)
+    , m_dtcDetailViewModel(nullptr)
 {
 }
 
@@ -133,6 +137,21 @@ void NavigationModel::registerReadinessViewModel(IViewModel* viewModel)
     m_readinessViewModel = viewModel;
 }
 
+void NavigationModel::registerDtcDetailViewModel(IViewModel* viewModel)
+{
+    m_dtcDetailViewModel = viewModel;
+}
+
+void NavigationModel::registerOnBoardTestsViewModel(IViewModel* viewModel)
+{
+    m_onBoardTestsViewModel = viewModel;
+}
+
+void NavigationModel::registerVehicleInfoViewModel(IViewModel* viewModel)
+{
+    m_vehicleInfoViewModel = viewModel;
+}
+
 QString NavigationModel::document(View view)
 {
     if (view < 0 || view >= VIEW_COUNT)
@@ -160,6 +179,9 @@ void NavigationModel::buildTable()
         m_dtcBrowseViewModel,
         m_liveDataViewModel,
         m_readinessViewModel,
+        m_dtcDetailViewModel,
+        m_onBoardTestsViewModel,
+        m_vehicleInfoViewModel,
     };
     static_assert(sizeof(viewModels) / sizeof(viewModels[0]) == VIEW_COUNT, "one view model per view");
     for (int i = 0; i < VIEW_COUNT; ++i)

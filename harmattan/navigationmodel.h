@@ -32,7 +32,10 @@ public:
         DtcSearchView = 12,
         DtcBrowseView = 13,
         LiveDataView = 14,
-        ReadinessView = 15
+        ReadinessView = 15,
+        DtcDetailView = 16,
+        OnBoardTestsView = 17,
+        VehicleInfoView = 18
     };
     Q_ENUM(View)
 
@@ -55,6 +58,9 @@ public:
     void registerDtcBrowseViewModel(IViewModel* viewModel);
     void registerLiveDataViewModel(IViewModel* viewModel);
     void registerReadinessViewModel(IViewModel* viewModel);
+    void registerDtcDetailViewModel(IViewModel* viewModel);
+    void registerOnBoardTestsViewModel(IViewModel* viewModel);
+    void registerVehicleInfoViewModel(IViewModel* viewModel);
 
     // The QML document of a view; empty for a number outside the table.
     static QString document(View view);
@@ -86,6 +92,9 @@ private:
     IViewModel* m_dtcBrowseViewModel;
     IViewModel* m_liveDataViewModel;
     IViewModel* m_readinessViewModel;
+    IViewModel* m_dtcDetailViewModel;
+    IViewModel* m_onBoardTestsViewModel = nullptr;
+    IViewModel* m_vehicleInfoViewModel = nullptr;
     QVector<Entry> m_table;
 };
 
