@@ -57,5 +57,13 @@ ZPage {
             subtitle: "OBD standard, protocol and name of the control unit"
             onClicked: page.showEcuInformation()
         }
+        NavigationRow {
+            objectName: "reportRow"
+            width: parent.width
+            enabled: typeof reportViewModel !== "undefined" && reportViewModel.connected && !reportViewModel.busy
+            title: "Save report"
+            subtitle: typeof reportViewModel !== "undefined" ? reportViewModel.status : ""
+            onClicked: reportViewModel.save()
+        }
     }
 }
