@@ -117,4 +117,11 @@ std::string CsvRecorder::cell(const std::string& text)
     return quoted + "\"";
 }
 
+std::string CsvRecorder::columnTitle(const std::string& name, const std::string& unit, unsigned int ecuId)
+{
+    char ecu[16];
+    std::snprintf(ecu, sizeof ecu, ecuId > 0xFFF ? "%08X" : "%03X", ecuId);
+    return name + (unit.empty() ? "" : " [" + unit + "]") + " (ECU " + ecu + ")";
+}
+
 } // namespace Obd

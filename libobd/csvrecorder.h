@@ -39,6 +39,8 @@ public:
     static std::string timestamp(Time when);
     // Quoted when it holds a comma, quote or line break.
     static std::string cell(const std::string& text);
+    // A value's column: "Engine speed [rpm] (ECU 7E8)"; no brackets without a unit.
+    static std::string columnTitle(const std::string& name, const std::string& unit, unsigned int ecuId);
 
 private:
     int m_fd;
