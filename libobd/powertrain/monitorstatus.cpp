@@ -49,6 +49,11 @@ MonitorStatus::MonitorStatus(unsigned char mode)
 {
 }
 
+MonitorStatus::MonitorStatus(unsigned char pid, unsigned char mode)
+    : CataloguePid(pid, mode)
+{
+}
+
 MonitorStatus::~MonitorStatus()
 {
 }
@@ -62,12 +67,33 @@ bool MonitorStatus::decode(unsigned int ecuId, const std::vector<unsigned char>&
     return true;
 }
 
-void MonitorStatus::getFormattedValues(const Ecu& ecu, UnitSystem unitSystem,
-                                       std::vector<std::string>& list) const
+void MonitorStatus::getFormattedValues(const Ecu& ecu, UnitSystem, std::vector<std::string>& list) const
 {
-    (void)ecu;
-    (void)unitSystem;
-    (void)list;
+    if (!hasValue(ecu))
+        return;
+    const unsigned int count = getDtcCount(ecu);
+    list.push_back(std::string(isMilOn(ecu) ? "MIL on, " : "MIL off, ") + std::to_string(count)
+                   + (count == 1 ? " confirmed code" : " confirmed codes"));
+}
+
+bool MonitorStatus::hasValue(const Ecu& ecu) const
+{
+    return m_values.count(ecu.getId()) > 0;
+}
+
+std::string MonitorStatus::readinessSummary(const Ecu& ecu) const
+{
+    // Ids 3..9 are the spark-ignition monitors, 10..15 the compression-ignition ones.
+    const bool compression = isCompressionIgnition(ecu);
+    unsigned int supported = 0;
+    unsigned int complete = 0;
+    for (unsigned int id = 0; id < IGNITION_TYPE; ++id) {
+        if (id >= 3 && (id >= 10) != compression)
+            continue;
+        supported += isSupported(ecu, id);
+        complete += isComplete(ecu, id);
+    }
+    return std::to_string(complete) + " of " + std::to_string(supported) + " monitors complete";
 }
 
 bool MonitorStatus::find(const Ecu& ecu, uint32_t& word) const

@@ -20,7 +20,8 @@ public:
     explicit MonitorStatus(unsigned char mode = 1);
     ~MonitorStatus() override;
 
-    // The record has no single display text.
+    // "MIL on, 2 confirmed codes": the record's short form for value lists;
+    // the monitors themselves are read one by one.
     void getFormattedValues(const Ecu& ecu, UnitSystem unitSystem,
                             std::vector<std::string>& list) const override;
     bool decode(unsigned int ecuId, const std::vector<unsigned char>& data) override;
@@ -36,6 +37,13 @@ public:
     // "NA" for an id without a name.
     static std::string getMonitorName(unsigned int monitorId);
     static MonitorKind getMonitorKind(unsigned int monitorId);
+
+protected:
+    MonitorStatus(unsigned char pid, unsigned char mode);
+
+    bool hasValue(const Ecu& ecu) const;
+    // "5 of 7 monitors complete" over the monitors of the ECU's ignition type.
+    std::string readinessSummary(const Ecu& ecu) const;
 
 private:
     bool find(const Ecu& ecu, uint32_t& word) const;

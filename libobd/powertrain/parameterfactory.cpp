@@ -5,6 +5,7 @@
 #include "barometricpressure.h"
 #include "calculatedengineload.h"
 #include "catalysttemperature.h"
+#include "drivecyclemonitorstatus.h"
 #include "commandedegr.h"
 #include "distancetraveled.h"
 #include "egrerror.h"
@@ -99,6 +100,7 @@ const std::map<unsigned char, Creator>& creators()
         { 0x1F, make<EngineRuntime> },
         { 0x20, makeSupportedPids<0x20> },
         { 0x40, makeSupportedPids<0x40> },
+        { 0x41, make<DriveCycleMonitorStatus> },
         { 0x51, make<FuelType> },
         { 0x60, makeSupportedPids<0x60> },
         { 0x80, makeSupportedPids<0x80> },

@@ -203,6 +203,7 @@ std::vector<PidRow> buildTable()
         { 0x3D, "CatalystTemperatureBank2Sensor1",     "Catalyst Temperature Bank 2, Sensor 1",           "cat21",       2, 2, O2_NONE, 1, { catalyst } },
         { 0x3E, "CatalystTemperatureBank1Sensor2",     "Catalyst Temperature Bank 1, Sensor 2",           "cat12",       2, 2, O2_NONE, 1, { catalyst } },
         { 0x3F, "CatalystTemperatureBank2Sensor2",     "Catalyst Temperature Bank 2, Sensor 2",           "cat22",       2, 2, O2_NONE, 1, { catalyst } },
+        { 0x41, "DriveCycleMonitorStatus",             "Monitor status this drive cycle",                 "drivecycle",  4, 4, O2_NONE, 1, { text() } },
         // From here on the rows are read by one generic class (ExtendedPid).
         { 0x42, "ExtendedPid", "Control module voltage",                           "voltage",     2, 2, O2_NONE, 1, { same(nullptr, thousandthsAB, UNIT_VOLT, 0, 65.535, { 2, 2, 2 }) } },
         { 0x43, "ExtendedPid", "Absolute load value",                              "absload",     2, 2, O2_NONE, 1, { same(nullptr, percentOf255AB, UNIT_PERCENT, 0, 25700, { 2, 1, 1 }) } },

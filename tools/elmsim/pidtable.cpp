@@ -87,6 +87,14 @@ void monitorStatus(uint8_t, const State&, const Ecu& e, double* out)
     out[3] = e.cleared ? r.nonContinuousSupported : r.nonContinuousIncomplete;
 }
 
+// PID 41: byte A reserved; supported monitors count as enabled this cycle.
+void driveCycleStatus(uint8_t pid, const State& s, const Ecu& e, double* out)
+{
+    monitorStatus(pid, s, e, out);
+    out[0] = 0x00;
+    out[3] = e.readiness.nonContinuousSupported & e.readiness.driveCycleIncomplete;
+}
+
 void fuelSystem(uint8_t, const State& s, const Ecu&, double* out)
 {
     out[0] = s.coolantC < 45.0 ? 0x01 : 0x02;   // open loop while cold
@@ -184,6 +192,7 @@ const PidRow ROWS[] = {
     { 0x34, 4, 2, wideO2Current,                                    encWideO2Current },
     { 0x3C, 2, 1, SRC(s.catalystC),                                 encCatalyst },
     { 0x3E, 2, 1, SRC(s.catalystC - 120.0),                         encCatalyst },
+    { 0x41, 4, 4, driveCycleStatus,                                 encRaw4 },
     { 0x42, 2, 1, SRC(s.moduleVolts),                               encModuleVolts },
     { 0x46, 1, 1, SRC(s.ambientC),                                  encTemp },
     { 0x49, 1, 1, SRC(s.throttlePercent * 0.9 + 5.0),               encPercent },  // pedal D

@@ -52,6 +52,7 @@ struct Readiness {
     uint8_t continuousIncomplete = 0;      // B bits 4..6 (as bits 0..2 here)
     uint8_t nonContinuousSupported = 0;    // C
     uint8_t nonContinuousIncomplete = 0;   // D
+    uint8_t driveCycleIncomplete = 0;      // D of PID 41: not yet run this drive cycle
 };
 
 struct EcuProfile {
