@@ -1,0 +1,75 @@
+#include "parameterbatch.h"
+
+#include "ecu.h"
+#include "iscantool.h"
+#include "obdparameter.h"
+#include "obdparameterupdater.h"
+#include "workerthread.h"
+
+namespace Harmattan {
+
+ParameterBatch::ParameterBatch(QObject* parent)
+    : QObject(parent)
+    , m_pending(0)
+{
+}
+
+ParameterBatch::~ParameterBatch()
+{
+    clear();
+}
+
+void ParameterBatch::add(Obd::ObdParameter* parameter)
+{
+    Obd::ObdParameterUpdater* updater = new Obd::ObdParameterUpdater(parameter);
+    updater->moveToThread(Obd::WorkerThread::instance());
+    connect(updater, &Obd::ObdParameterUpdater::updateDone, this, &ParameterBatch::onUpdateDone);
+    m_entries.push_back({ parameter, updater });
+}
+
+void ParameterBatch::start(Obd::IObdProxy* proxy)
+{
+    // Queued one after the other on the one worker thread: the link sees
+    // one request at a time.
+    for (const Entry& entry : m_entries) {
+        entry.updater->setProxy(proxy);
+        Obd::ObdParameterUpdater::requestUpdate(entry.updater);
+        ++m_pending;
+    }
+    if (m_pending == 0)
+        emit finished();
+}
+
+void ParameterBatch::stop()
+{
+    for (const Entry& entry : m_entries)
+        entry.updater->setProxy(nullptr);
+}
+
+void ParameterBatch::clear()
+{
+    for (const Entry& entry : m_entries)
+        Obd::ObdParameterUpdater::dispose(entry.updater, entry.parameter);
+    m_entries.clear();
+    m_pending = 0;
+}
+
+void ParameterBatch::onUpdateDone()
+{
+    Obd::ObdParameterUpdater::resultReceived(qobject_cast<Obd::ObdParameterUpdater*>(sender()));
+    if (m_pending > 0 && --m_pending == 0)
+        emit finished();
+}
+
+QString ParameterBatch::failure(const Obd::Ecu& ecu, const Obd::ReadStatus& status)
+{
+    const std::string prefix = std::string(Obd::ScantoolError::statusName(Obd::ScantoolError::SE_ERROR_WORD)) + ": ";
+    std::string cause = status.reason;
+    if (status.state == Obd::READ_ADAPTER_ERROR && cause.rfind(prefix, 0) == 0)
+        cause.erase(0, prefix.size());
+    return QStringLiteral("%1 (%2 0x%3)")
+        .arg(QString::fromStdString(cause), QString::fromStdString(ecu.getShortName()),
+             QString::number(ecu.getId(), 16).toUpper());
+}
+
+} // namespace Harmattan
