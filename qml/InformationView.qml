@@ -58,6 +58,20 @@ ZPage {
             onClicked: page.showEcuInformation()
         }
         NavigationRow {
+            objectName: "onBoardTestsRow"
+            width: parent.width
+            title: "On-board tests"
+            subtitle: "Monitor test results against their limits, failures first"
+            onClicked: if (typeof onBoardTestsViewModel !== "undefined") onBoardTestsViewModel.open()
+        }
+        NavigationRow {
+            objectName: "vehicleInfoRow"
+            width: parent.width
+            title: "Vehicle information"
+            subtitle: "VIN, calibrations and how often each monitor has run"
+            onClicked: if (typeof vehicleInfoViewModel !== "undefined") vehicleInfoViewModel.open()
+        }
+        NavigationRow {
             objectName: "reportRow"
             width: parent.width
             enabled: typeof reportViewModel !== "undefined" && reportViewModel.connected && !reportViewModel.busy
