@@ -23,6 +23,8 @@
 #include "viewmodel/scantoolinformationviewmodel.h"
 #include "viewmodel/storeddtcviewmodel.h"
 #include "viewmodel/mainviewmodel.h"
+#include "viewmodel/onboardtestsviewmodel.h"
+#include "viewmodel/vehicleinfoviewmodel.h"
 #include "viewmodel/settingsviewmodel.h"
 #include "zrvinfo.h"
 #include "zrvquery.h"
@@ -128,6 +130,13 @@ Zarvane::Zarvane(QObject* rootObject, QQmlContext* rootContext)
     m_readinessViewModel = new ReadinessViewModel(m_connectionManager, m_settingsModel, this);
     m_navigationModel->registerReadinessViewModel(m_readinessViewModel);
     publish(m_readinessViewModel);
+    // On-board tests and vehicle information, opened from the information view.
+    m_onBoardTestsViewModel = new OnBoardTestsViewModel(m_navigationModel, m_connectionManager, m_settingsModel, this);
+    m_navigationModel->registerOnBoardTestsViewModel(m_onBoardTestsViewModel);
+    publish(m_onBoardTestsViewModel);
+    m_vehicleInfoViewModel = new VehicleInfoViewModel(m_navigationModel, m_connectionManager, this);
+    m_navigationModel->registerVehicleInfoViewModel(m_vehicleInfoViewModel);
+    publish(m_vehicleInfoViewModel);
 
     if (m_rootContext) {
         m_rootContext->setContextProperty("mainViewModel", m_mainViewModel);
@@ -159,6 +168,10 @@ Zarvane::~Zarvane()
     m_liveDataViewModel = nullptr;
     delete m_readinessViewModel;
     m_readinessViewModel = nullptr;
+    delete m_onBoardTestsViewModel;
+    m_onBoardTestsViewModel = nullptr;
+    delete m_vehicleInfoViewModel;
+    m_vehicleInfoViewModel = nullptr;
     delete m_dtcDataModel;
     m_dtcDataModel = nullptr;
     // The shared dialog items outlive us only as long as the view does.

@@ -24,6 +24,8 @@ class InformationViewModel;
 class IViewModel;
 class LiveDataViewModel;
 class ReadinessViewModel;
+class OnBoardTestsViewModel;
+class VehicleInfoViewModel;
 class MainViewModel;
 class NavigationModel;
 class PendingDtcViewModel;
@@ -65,6 +67,8 @@ public:
     DashboardViewModel* dashboardViewModel() const;
     LiveDataViewModel* liveDataViewModel() const;
     ReadinessViewModel* readinessViewModel() const;
+    OnBoardTestsViewModel* onBoardTestsViewModel() const { return m_onBoardTestsViewModel; }
+    VehicleInfoViewModel* vehicleInfoViewModel() const { return m_vehicleInfoViewModel; }
 
 private slots:
     void onShowLiveData();
@@ -94,6 +98,8 @@ private:
     DashboardViewModel* m_dashboardViewModel;
     LiveDataViewModel* m_liveDataViewModel;
     ReadinessViewModel* m_readinessViewModel;
+    OnBoardTestsViewModel* m_onBoardTestsViewModel = nullptr;
+    VehicleInfoViewModel* m_vehicleInfoViewModel = nullptr;
 };
 
 } // namespace Harmattan
