@@ -72,7 +72,7 @@ std::string Options::usage()
            "  --baud N|auto       serial: baud rate (default 38400); auto tries 38400, 9600,\n"
            "                      115200, 230400 and 500000\n"
            "  --no-reset          open without ATZ (for adapters that drop the link on it)\n"
-           "  --reconnect         live: when the link is lost, open it again (after\n"
+           "  --reconnect         live, record: when the link is lost, open it again (after\n"
            "                      1, 2, 4, 8, then every 15 s) and go on\n"
            "  --json              machine-readable output\n"
            "  --imperial          imperial units for live values\n"

@@ -35,7 +35,7 @@ public:
     bool help;
     bool verbose;
     bool noReset;        // open with a warm start instead of ATZ
-    bool reconnect;      // live: go on through a lost link
+    bool reconnect;      // live, record: go on through a lost link
     int periodMs;
     int count;
     std::string outFile; // record, report

@@ -95,23 +95,65 @@ int Recorder::run(const std::vector<unsigned char>& pids, const std::atomic<bool
         return 1;
     }
 
-    Obd::LiveReader reader(m_session.proxy(), pids.size() > 1);
+    std::unique_ptr<Obd::LiveReader> reader(new Obd::LiveReader(m_session.proxy(), pids.size() > 1));
     const auto start = std::chrono::steady_clock::now();
     const auto period = std::chrono::milliseconds(m_options.periodMs);
     auto next = start;
     bool anyValue = false;
+    unsigned long samples = 0;
+    unsigned long gaps = 0;
     auto stop = [&] {
-        return interrupted || m_session.isLost() ||
-               (m_options.count > 0 && file.rows() >= static_cast<unsigned long>(m_options.count)) ||
+        return interrupted || (m_session.isLost() && !m_options.reconnect) ||
+               (m_options.count > 0 && samples >= static_cast<unsigned long>(m_options.count)) ||
                (m_options.durationS > 0 &&
                 std::chrono::steady_clock::now() - start >= std::chrono::seconds(m_options.durationS));
     };
+    auto progress = [&](const std::string& event) {
+        if (!m_progress && event.empty())
+            return;
+        const long seconds = static_cast<long>(
+            std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - start).count());
+        char line[160];
+        std::snprintf(line, sizeof line, "%lu samples, %ld:%02ld:%02ld, %s", samples, seconds / 3600,
+                      seconds / 60 % 60, seconds % 60, size(file.bytes()).c_str());
+        const std::string gapText = gaps ? ", " + std::to_string(gaps) + (gaps > 1 ? " gaps" : " gap") : "";
+        if (m_progress)
+            m_out << "\r\033[K";
+        if (!event.empty())
+            m_out << "-- " << event << "\n";
+        if (m_progress)
+            m_out << line << gapText;
+        m_out << std::flush;
+    };
     while (!stop()) {
+        if (m_session.isLost()) {
+            // The gap is a row of empty cells at the time of the loss, which
+            // a reader takes as missing values rather than a broken line.
+            file.addRow(std::vector<std::string>(columns.size()));
+            file.flush();
+            ++gaps;
+            const auto lostAt = std::chrono::steady_clock::now();
+            progress("link lost, reconnecting");
+            if (!m_session.reopen(m_options, interrupted))
+                break;
+            const int gap = static_cast<int>(
+                std::chrono::duration<double>(std::chrono::steady_clock::now() - lostAt).count() + 0.5);
+            progress("reconnected after " + std::to_string(gap) + " s");
+            // The vehicle was found anew: its ECUs are new objects.
+            for (Column& column : columns) {
+                const Obd::EcuPtr ecu = m_session.proxy()->getEcu(column.ecu->getId());
+                if (ecu)
+                    column.ecu = ecu;
+            }
+            reader.reset(new Obd::LiveReader(m_session.proxy(), pids.size() > 1));
+            next = std::chrono::steady_clock::now();
+            continue;
+        }
         while (std::chrono::steady_clock::now() < next && !interrupted && !m_session.isLost())
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
         // A sample due at the end of --duration is past it.
-        if (stop())
-            break;
+        if (stop() || m_session.isLost())
+            continue;
         next += period;
         const auto when = std::chrono::system_clock::now();
         // Fresh parameters each time: a value an ECU stopped sending is not repeated.
@@ -121,7 +163,10 @@ int Recorder::run(const std::vector<unsigned char>& pids, const std::atomic<bool
             parameters.emplace_back(Obd::ParameterFactory::create(pid));
             items.emplace_back(pid, parameters.back().get());
         }
-        const std::vector<bool> good = reader.read(items);
+        const std::vector<bool> good = reader->read(items);
+        // A read the loss cut short is no sample: the gap row stands for it.
+        if (m_session.isLost() && m_options.reconnect)
+            continue;
         std::vector<std::string> cells;
         for (const Column& column : columns) {
             size_t item = 0;
@@ -134,24 +179,19 @@ int Recorder::run(const std::vector<unsigned char>& pids, const std::atomic<bool
             anyValue = anyValue || !cells.back().empty();
         }
         file.addRow(cells, when);
-        if (m_progress) {
-            const long seconds = static_cast<long>(
-                std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - start).count());
-            char line[128];
-            std::snprintf(line, sizeof line, "\r\033[K%lu samples, %ld:%02ld:%02ld, %s", file.rows(),
-                          seconds / 3600, seconds / 60 % 60, seconds % 60, size(file.bytes()).c_str());
-            m_out << line << std::flush;
-        }
+        ++samples;
+        progress(std::string());
     }
     file.close();
     if (m_progress)
         m_out << "\n";
-    m_out << file.rows() << " samples written to " << file.path() << "\n";
+    m_out << samples << " samples written to " << file.path()
+          << (gaps ? " (" + std::to_string(gaps) + (gaps > 1 ? " gaps)" : " gap)") : std::string()) << "\n";
     if (!file.error().empty()) {
         m_err << "zarvane-cli: " << file.error() << "\n";
         return 1;
     }
-    if (!anyValue && file.rows() > 0) {
+    if (!anyValue && samples > 0) {
         if (!m_session.isLost())
             m_err << "zarvane-cli: could not read any of the requested values\n";
         return 1;

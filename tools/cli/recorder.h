@@ -12,7 +12,8 @@ class Options;
 class Session;
 
 // zarvane-cli record: live PIDs sampled to a CSV file, one column per PID
-// value and ECU, until --count samples, --duration seconds or Ctrl-C.
+// value and ECU, until --count samples, --duration seconds or Ctrl-C. With
+// --reconnect a lost link leaves one row of empty cells and is opened again.
 class Recorder
 {
 public:

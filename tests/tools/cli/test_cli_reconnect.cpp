@@ -1,5 +1,5 @@
-// zarvane-cli live through a power cycle of the adapter: elmsim stops and
-// starts again on the same port while the command samples.
+// zarvane-cli live and record through a power cycle of the adapter: elmsim
+// stops and starts again on the same port while the command samples.
 
 #include "cliapplication.h"
 #include "eventually.h"
@@ -8,6 +8,8 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cstdio>
+#include <fstream>
 #include <memory>
 #include <mutex>
 #include <sstream>
@@ -43,6 +45,15 @@ private:
     std::mutex m_mutex;
     std::string m_text;
 };
+
+// The simulator again on the port it had.
+std::unique_ptr<ElmSim::ElmSimServer> restarted(unsigned short port)
+{
+    ElmSim::ServerOptions again = SimLink::quickOptions("can11");
+    again.port = port;
+    std::unique_ptr<ElmSim::ElmSimServer> sim(new ElmSim::ElmSimServer(again));
+    return sim->start() ? std::move(sim) : nullptr;
+}
 
 size_t count(const std::string& text, const std::string& word)
 {
@@ -82,10 +93,8 @@ TEST(CliReconnect, LiveGoesOnThroughARestartedAdapterOnlyWhenAsked)
         sim->stop();
         if (row.lost) {
             EXPECT_TRUE(eventually([&] { return outBuffer.text().find(row.lost) != std::string::npos; }));
-            ElmSim::ServerOptions again = SimLink::quickOptions("can11");
-            again.port = port;
-            sim.reset(new ElmSim::ElmSimServer(again));
-            EXPECT_TRUE(sim->start()) << sim->errorString();
+            sim = restarted(port);
+            EXPECT_TRUE(sim);
             EXPECT_TRUE(eventually([&] { return outBuffer.text().find(row.back) != std::string::npos; }));
         }
         // A command stuck in its waits is let go rather than left hanging.
@@ -106,4 +115,59 @@ TEST(CliReconnect, LiveGoesOnThroughARestartedAdapterOnlyWhenAsked)
         EXPECT_GT(text.find(sample, back), back) << "no value after the gap";
         EXPECT_EQ(count(text, sample), 40u) << "samples before and after the gap make the count";
     }
+}
+
+TEST(CliReconnect, RecordMarksTheGapWithOneEmptyRowAndGoesOn)
+{
+    ElmSim::ElmSimServer first(SimLink::quickOptions("can11"));
+    ASSERT_TRUE(first.start()) << first.errorString();
+    const std::string path = ::testing::TempDir() + "reconnect-record.csv";
+    std::remove(path.c_str());
+    auto lines = [&] {
+        std::ifstream file(path);
+        std::vector<std::string> all;
+        for (std::string line; std::getline(file, line);)
+            all.push_back(line);
+        return all;
+    };
+    const std::vector<std::string> args = { "--reconnect", "--port", std::to_string(first.port()), "--out", path,
+                                            "record", "0C", "0D", "--period", "50", "--count", "30" };
+    SharedBuffer outBuffer, errBuffer;
+    std::ostream out(&outBuffer), err(&errBuffer);
+    std::istringstream in;
+    std::atomic<int> code{ -1 };
+    std::thread command([&] { code = Cli::CliApplication(out, err, in).run(args); });
+    // The file is flushed once a second: a few rows are there before the loss.
+    EXPECT_TRUE(eventually([&] { return lines().size() >= 4; })) << errBuffer.text();
+    first.stop();
+    EXPECT_TRUE(eventually([&] { return outBuffer.text().find("-- link lost, reconnecting\n") != std::string::npos; }));
+    std::unique_ptr<ElmSim::ElmSimServer> second = restarted(first.port());
+    EXPECT_TRUE(second);
+    if (!eventually([&] { return code >= 0; }))
+        Cli::CliApplication::interrupted() = true;
+    command.join();
+    Cli::CliApplication::interrupted() = false;
+
+    EXPECT_EQ(code, 0) << errBuffer.text();
+    const std::string text = outBuffer.text();
+    EXPECT_NE(text.find("-- reconnected after "), std::string::npos) << text;
+    EXPECT_NE(text.find("30 samples written to " + path + " (1 gap)"), std::string::npos) << text;
+    // Header, rows with both values, the one gap (a time and empty cells), rows with values again.
+    const std::vector<std::string> rows = lines();
+    ASSERT_EQ(rows.size(), 1u + 30u + 1u);
+    size_t gap = 0;
+    for (size_t i = 1; i < rows.size(); ++i) {
+        SCOPED_TRACE(rows[i]);
+        const size_t comma = rows[i].find(',');
+        ASSERT_NE(comma, std::string::npos);
+        if (rows[i].find_first_not_of(',', comma) == std::string::npos) {
+            EXPECT_EQ(gap, 0u) << "a second gap row";
+            gap = i;
+            continue;
+        }
+        EXPECT_EQ(rows[i].find(",,"), std::string::npos) << "a sample lost a value";
+        EXPECT_NE(rows[i].back(), ',') << "a sample lost a value";
+    }
+    EXPECT_GT(gap, 1u);
+    EXPECT_LT(gap, rows.size() - 1);
 }
