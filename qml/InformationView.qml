@@ -72,12 +72,14 @@ ZPage {
             onClicked: if (typeof vehicleInfoViewModel !== "undefined") vehicleInfoViewModel.open()
         }
         NavigationRow {
+            // Null once the application object is gone, before the page is.
+            property QtObject report: typeof reportViewModel !== "undefined" ? reportViewModel : null
             objectName: "reportRow"
             width: parent.width
-            enabled: typeof reportViewModel !== "undefined" && reportViewModel.connected && !reportViewModel.busy
+            enabled: !!report && report.connected && !report.busy
             title: "Save report"
-            subtitle: typeof reportViewModel !== "undefined" ? reportViewModel.status : ""
-            onClicked: reportViewModel.save()
+            subtitle: report ? report.status : ""
+            onClicked: if (report) report.save()
         }
     }
 }
