@@ -5,6 +5,8 @@
 #include "connectionmanager.h"
 #include "navigationmodel.h"
 #include "resultlistmodel.h"
+#include "settingsmodel.h"
+#include "unitsystem.h"
 #include "uiharness.h"
 #include "viewmodel/onboardtestsviewmodel.h"
 #include "viewmodel/vehicleinfoviewmodel.h"
@@ -31,25 +33,27 @@ struct Vehicle
     const char* modelYear;      // position 10 of the profile's VIN
     const char* monitor;
     const char* ratio;          // completed/encountered of that monitor
+    const char* imperial;       // the row's value, limits and unit once imperial is chosen
 };
 
 const Vehicle VEHICLES[] = {
     // MID 01 UASID 0B (1 mV): 0x02EE = 750 mV within 0x01F4 .. 0x03E8.
     { "can11", { "ECM (0x7E8)  \u00b7  Exhaust Gas Sensor Monitor Bank 1 - Sensor 1", "Manufacturer Defined Test",
                  "0.750", "0.500", "1.000", "V", ResultListModel::Passed },
-      "5 tests, all passed", "2001", "Catalyst Monitor Bank 1", "388/412 (94 %)" },
+      "5 tests, all passed", "2001", "Catalyst Monitor Bank 1", "388/412 (94 %)", nullptr },
     // Service 06 without CAN: 0x0190 = 400 under the maximum 0x0300 = 768, no scaling;
     // of 15 rows the four 05 thresholds are values, not tests.
     { "kwp", { "ECM (0x11)  \u00b7  TID $01: Rich to lean sensor threshold voltage (constant)",
                "Manufacturer specified component $01", "400", "", "768", "no unit known", ResultListModel::Passed },
-      "11 tests, all passed", "1998", "EVAP Monitor", "60/150 (40 %)" },
+      "11 tests, all passed", "1998", "EVAP Monitor", "60/150 (40 %)", nullptr },
     { "kwp", { "ECM (0x11)  \u00b7  Oxygen sensor B1S1", "Rich to lean sensor threshold voltage (constant)",
                "0.450", "", "", "V", ResultListModel::Reading },
-      "11 tests, all passed", "1998", "Secondary O2 Sensor Monitor Bank 1", "138/150 (92 %)" },
-    // MID 85 UASID 17 (0.01 kPa): 0x2710 = 10000 within 0x1F40 = 8000 .. 0x3A98 = 15000.
+      "11 tests, all passed", "1998", "Secondary O2 Sensor Monitor Bank 1", "138/150 (92 %)", nullptr },
+    // MID 85 UASID 17 (0.01 kPa): 0x2710 = 10000 within 0x1F40 = 8000 .. 0x3A98 = 15000;
+    // at 0.1450377 psi per kPa 100, 80 and 150 kPa are 14.504, 11.603 and 21.756 psi.
     { "diesel", { "ECM (0x7E8)  \u00b7  Boost Pressure Control Monitor Bank 1", "Manufacturer Defined Test",
                   "100.00", "80.00", "150.00", "kPa", ResultListModel::Passed },
-      "3 tests, all passed", "2002", "PM Filter Monitor", "201/233 (86 %)" },
+      "3 tests, all passed", "2002", "PM Filter Monitor", "201/233 (86 %)", "14.50 11.60 21.76 PSI" },
 };
 
 void PrintTo(const Vehicle& vehicle, std::ostream* os) { *os << vehicle.profile; }
@@ -104,6 +108,12 @@ TEST_P(TestsAndInfoViews, ShowTheProfilesTestsVinCalibrationsAndRatios)
               QStringList({ vehicle.result.value, vehicle.result.minimum, vehicle.result.maximum, vehicle.result.unit,
                             QString::number(vehicle.result.state) }));
     ui->picture(QStringLiteral("17b-tests-%1").arg(vehicle.profile));
+    if (vehicle.imperial) {
+        ui->app()->settingsModel()->setUnitSystem(Obd::US_IMPERIAL);
+        row = find(tests(), vehicle.result.section, vehicle.result.title);
+        ASSERT_TRUE(row);
+        EXPECT_EQ(QStringList({ row->value, row->minimum, row->maximum, row->unit }).join(' '), vehicle.imperial);
+    }
 
     ui->back();
     page = openFromInformation("vehicleInfoRow");
