@@ -108,7 +108,6 @@ void DtcDataModel::readCodes(const DtcParameter* parameter, std::vector<Dtc>& li
     if (first)
         std::stable_partition(ecus.begin(), ecus.end(),
                               [&](const EcuPtr& ecu) { return ecu && ecu->getId() == first->getId(); });
-    const std::string errorWordPrefix = std::string(ScantoolError::statusName(ScantoolError::SE_ERROR_WORD)) + ": ";
     for (const EcuPtr& ecu : ecus) {
         if (!ecu)
             continue;
@@ -116,16 +115,8 @@ void DtcDataModel::readCodes(const DtcParameter* parameter, std::vector<Dtc>& li
         if (!status.ok()) {
             // Silence from one ECU while others answered is no failure: it
             // may simply not keep codes.
-            if (status.state == READ_NOT_ANSWERED)
-                continue;
-            ReadFailure failure;
-            std::ostringstream name;
-            name << ecu->getShortName() << " 0x" << std::hex << std::uppercase << ecu->getId();
-            failure.ecu = name.str();
-            failure.reason = status.reason;
-            if (status.state == READ_ADAPTER_ERROR && status.reason.rfind(errorWordPrefix, 0) == 0)
-                failure.word = status.reason.substr(errorWordPrefix.size());
-            failures.push_back(failure);
+            if (status.state != READ_NOT_ANSWERED)
+                failures.push_back(failureOf(*ecu, status));
             continue;
         }
         if (std::find(answered.begin(), answered.end(), ecu->getId()) == answered.end())
@@ -135,6 +126,19 @@ void DtcDataModel::readCodes(const DtcParameter* parameter, std::vector<Dtc>& li
         for (size_t i = first; i < list.size(); ++i)
             list[i].setEcu(ecu->getShortName(), ecu->getId());
     }
+}
+
+DtcDataModel::ReadFailure DtcDataModel::failureOf(const Ecu& ecu, const ReadStatus& status)
+{
+    const std::string errorWordPrefix = std::string(ScantoolError::statusName(ScantoolError::SE_ERROR_WORD)) + ": ";
+    ReadFailure failure;
+    std::ostringstream name;
+    name << ecu.getShortName() << " 0x" << std::hex << std::uppercase << ecu.getId();
+    failure.ecu = name.str();
+    failure.reason = status.reason;
+    if (status.state == READ_ADAPTER_ERROR && status.reason.rfind(errorWordPrefix, 0) == 0)
+        failure.word = status.reason.substr(errorWordPrefix.size());
+    return failure;
 }
 
 void DtcDataModel::notRead(std::vector<Dtc>& list, std::vector<ReadFailure>& failures)
@@ -194,6 +198,35 @@ void DtcDataModel::onPendingCodesUpdated(bool success)
 void DtcDataModel::onMilUpdated(bool success)
 {
     ObdParameterUpdater::resultReceived(m_clear.updater);
+    // A refusal in the words a driver acts on.
+    static const struct { unsigned char nrc; const char* words; } REFUSALS[] = {
+        { 0x22, "the engine must be off" },
+        { 0x11, "not supported" },
+        { 0x12, "not supported" },
+        { 0x31, "not supported" },
+    };
+    m_clearConfirmed = false;
+    m_clearFailures.clear();
+    std::vector<EcuPtr> ecus;
+    if (IObdProxy* proxy = m_connectionManager ? m_connectionManager->proxy() : nullptr)
+        proxy->getEcus(ecus);
+    for (const EcuPtr& ecu : ecus) {
+        if (!ecu)
+            continue;
+        const ReadStatus status = m_clearParameter->readStatus(ecu->getId());
+        m_clearConfirmed = m_clearConfirmed || status.ok();
+        if (status.ok() || status.state == READ_NOT_ANSWERED)
+            continue;
+        ReadFailure failure = failureOf(*ecu, status);
+        for (const auto& refusal : REFUSALS) {
+            if (status.state == READ_NEGATIVE
+                && status.reason.find(ObdParameter::negativeResponseText(refusal.nrc)) != std::string::npos)
+                failure.word = refusal.words;
+        }
+        m_clearFailures.push_back(failure);
+    }
+    if (!m_clearConfirmed && m_clearFailures.empty())
+        m_clearFailures.push_back({ std::string(), "no answer", std::string() });
     finished(m_clear);
     emit milStatusUpdated(success);
 }

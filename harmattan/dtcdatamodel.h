@@ -2,6 +2,7 @@
 #define OBD_DTCDATAMODEL_H
 
 #include "dtc.h"
+#include "obdparameter.h"
 
 #include <QObject>
 
@@ -15,6 +16,7 @@ class ConnectionManager;
 namespace Obd {
 
 class ClearTroubleCodes;
+class Ecu;
 class DtcParameter;
 class ObdParameterUpdater;
 class PendingTroubleCodes;
@@ -56,6 +58,13 @@ public:
     std::vector<ReadFailure> pendingFailures() const { return m_pendingFailures; }
     // "NO DATA (ECM 0x7E8, TCM 0x7E9)": the word, else the reason, per ECU.
     static std::string describe(const std::vector<ReadFailure>& failures);
+    // One ECU's failed read, its name as "ECM 0x7E8".
+    static ReadFailure failureOf(const Ecu& ecu, const ReadStatus& status);
+
+    // The last clear: whether any ECU confirmed it, and the ECUs that did
+    // not, a refusal in plain words ("the engine must be off").
+    bool clearConfirmed() const { return m_clearConfirmed; }
+    std::vector<ReadFailure> clearFailures() const { return m_clearFailures; }
 
 signals:
     void storedCodesUpdated(bool success);
@@ -97,6 +106,8 @@ private:
     std::vector<Dtc> m_pendingCodes;
     std::vector<ReadFailure> m_storedFailures;
     std::vector<ReadFailure> m_pendingFailures;
+    bool m_clearConfirmed = false;
+    std::vector<ReadFailure> m_clearFailures;
 };
 
 } // namespace Obd

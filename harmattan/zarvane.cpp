@@ -13,6 +13,7 @@
 #include "viewmodel/dashboardviewmodel.h"
 #include "viewmodel/dtcbrowseviewmodel.h"
 #include "viewmodel/dtcdatabaseviewmodel.h"
+#include "viewmodel/dtcdetailviewmodel.h"
 #include "viewmodel/dtcsearchviewmodel.h"
 #include "viewmodel/dtcviewmodel.h"
 #include "viewmodel/ecuinformationviewmodel.h"
@@ -87,6 +88,11 @@ Zarvane::Zarvane(QObject* rootObject, QQmlContext* rootContext)
     m_pendingDtcViewModel = new PendingDtcViewModel(m_connectionManager, m_dtcDataModel, this);
     m_navigationModel->registerPendingDtcViewModel(m_pendingDtcViewModel);
     publish(m_pendingDtcViewModel);
+    // A code tapped in either list opens its detail.
+    m_dtcDetailViewModel = new DtcDetailViewModel(m_navigationModel, m_connectionManager, m_settingsModel, this);
+    m_navigationModel->registerDtcDetailViewModel(m_dtcDetailViewModel);
+    m_storedDtcViewModel->setDetailViewModel(m_dtcDetailViewModel);
+    m_pendingDtcViewModel->setDetailViewModel(m_dtcDetailViewModel);
 
     // 9-11: trouble-code database.
     m_dtcDatabaseViewModel = new DtcDatabaseViewModel(m_navigationModel, this);
@@ -172,6 +178,8 @@ Zarvane::~Zarvane()
     m_onBoardTestsViewModel = nullptr;
     delete m_vehicleInfoViewModel;
     m_vehicleInfoViewModel = nullptr;
+    delete m_dtcDetailViewModel;
+    m_dtcDetailViewModel = nullptr;
     delete m_dtcDataModel;
     m_dtcDataModel = nullptr;
     // The shared dialog items outlive us only as long as the view does.

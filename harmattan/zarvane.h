@@ -17,6 +17,7 @@ class ConnectionManager;
 class DashboardViewModel;
 class DtcBrowseViewModel;
 class DtcDatabaseViewModel;
+class DtcDetailViewModel;
 class DtcSearchViewModel;
 class DtcViewModel;
 class EcuInformationViewModel;
@@ -98,6 +99,7 @@ private:
     DashboardViewModel* m_dashboardViewModel;
     LiveDataViewModel* m_liveDataViewModel;
     ReadinessViewModel* m_readinessViewModel;
+    DtcDetailViewModel* m_dtcDetailViewModel = nullptr;
     OnBoardTestsViewModel* m_onBoardTestsViewModel = nullptr;
     VehicleInfoViewModel* m_vehicleInfoViewModel = nullptr;
 };

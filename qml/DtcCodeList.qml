@@ -2,8 +2,12 @@ import QtQuick
 import QtQuick.Controls.Basic
 
 // A list of trouble codes under an explanatory note; says so when empty.
+// Lists read from a car are tappable: a code opens its detail.
 Item {
     id: box
+
+    property bool tappable: false
+    signal codeClicked(int index)
 
     property string explanation
     property string emptyText
@@ -57,6 +61,8 @@ Item {
             system: model.system
             // Lists read from a car say which ECU reported each code.
             ecu: model.ecu !== undefined && model.ecu !== "" ? model.ecu + " " + model.ecuAddress : ""
+            tappable: box.tappable
+            onClicked: box.codeClicked(index)
         }
         ScrollBar.vertical: ScrollBar {
             policy: list.contentHeight > list.height ? ScrollBar.AsNeeded : ScrollBar.AlwaysOff

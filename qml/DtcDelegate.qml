@@ -2,7 +2,8 @@ import QtQuick
 
 // One trouble code in a list: the code in a category-coloured tag, its
 // category and description, and the ECU that reported it when the list was
-// read from a car. Fixed height, so long lists scroll evenly.
+// read from a car. Fixed height, so long lists scroll evenly. A tappable
+// row opens the code's detail.
 Rectangle {
     id: row
 
@@ -10,6 +11,9 @@ Rectangle {
     property string description
     property string system
     property string ecu
+    property bool tappable: false
+
+    signal clicked()
 
     readonly property color tagColor: system === "Powertrain" ? Theme.accent
         : system === "Body" ? "#5fb3f0"
@@ -17,7 +21,14 @@ Rectangle {
         : system === "Network" ? "#ba8cf0" : Theme.textDim
 
     height: 84
-    color: "transparent"
+    color: tapArea.pressed ? Theme.pressed : "transparent"
+
+    MouseArea {
+        id: tapArea
+        anchors.fill: parent
+        enabled: row.tappable
+        onClicked: row.clicked()
+    }
 
     Rectangle {
         id: tag
@@ -55,7 +66,7 @@ Rectangle {
         anchors.left: tag.right
         anchors.leftMargin: 14
         anchors.right: parent.right
-        anchors.rightMargin: Theme.margin
+        anchors.rightMargin: row.tappable ? Theme.margin + 18 : Theme.margin
         anchors.verticalCenter: parent.verticalCenter
         text: row.description
         color: Theme.text
@@ -74,6 +85,26 @@ Rectangle {
         text: row.ecu
         color: Theme.textDim
         font.pixelSize: 12
+    }
+    // A chevron: the row leads on.
+    Item {
+        visible: row.tappable
+        anchors.right: parent.right
+        anchors.rightMargin: Theme.margin
+        anchors.verticalCenter: parent.verticalCenter
+        width: 10
+        height: 16
+        Repeater {
+            model: [45, -45]
+            Rectangle {
+                y: index === 0 ? 4 : 10
+                width: 10
+                height: 2
+                radius: 1
+                rotation: modelData
+                color: Theme.textDim
+            }
+        }
     }
     Rectangle {
         anchors.left: parent.left

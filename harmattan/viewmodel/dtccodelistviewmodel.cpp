@@ -2,6 +2,7 @@
 
 #include "connectionmanager.h"
 #include "dtcdatamodel.h"
+#include "dtcdetailviewmodel.h"
 #include "dtclistviewdatamodel.h"
 
 #include <QQmlContext>
@@ -33,6 +34,17 @@ Obd::DtcListViewDataModel* DtcCodeListViewModel::listModel() const
     return m_listModel;
 }
 
+void DtcCodeListViewModel::setDetailViewModel(DtcDetailViewModel* detail)
+{
+    m_detail = detail;
+}
+
+void DtcCodeListViewModel::onCodeClicked(int index)
+{
+    if (m_detail && index >= 0 && static_cast<size_t>(index) < m_shown.size())
+        m_detail->showCode(m_shown[static_cast<size_t>(index)]);
+}
+
 void DtcCodeListViewModel::setView(QObject* view)
 {
     detachView(m_view, this);
@@ -41,8 +53,10 @@ void DtcCodeListViewModel::setView(QObject* view)
         return;
     m_viewPresent = true;
     connect(m_view, &QObject::destroyed, this, &DtcCodeListViewModel::onViewDestroyed);
+    connect(m_view, SIGNAL(codeClicked(int)), this, SLOT(onCodeClicked(int)));
     // A screen opened over one not yet destroyed must not add to its rows.
     m_listModel->reset();
+    m_shown.clear();
     if (m_connectionManager->isConnected())
         m_view->setProperty("connectionStatus", 2);
     updateView();
@@ -50,7 +64,9 @@ void DtcCodeListViewModel::setView(QObject* view)
 
 void DtcCodeListViewModel::updateView()
 {
-    for (const Obd::Dtc& dtc : codes())
+    const std::vector<Obd::Dtc> read = codes();
+    m_shown.insert(m_shown.end(), read.begin(), read.end());
+    for (const Obd::Dtc& dtc : read)
         m_listModel->append(QString::fromStdString(dtc.getCode()),
                             QString::fromStdString(dtc.getDescription()),
                             QString::fromStdString(dtc.getCategory()),
@@ -69,6 +85,7 @@ void DtcCodeListViewModel::onCodesUpdated(bool)
     if (m_viewPresent && m_view) {
         // A new read replaces what the screen shows rather than adding to it.
         m_listModel->reset();
+        m_shown.clear();
         updateView();
     }
 }
@@ -78,6 +95,7 @@ void DtcCodeListViewModel::onViewDestroyed()
     m_view = nullptr;
     m_viewPresent = false;
     m_listModel->reset();
+    m_shown.clear();
 }
 
 void DtcCodeListViewModel::onDisconnected()
@@ -88,6 +106,7 @@ void DtcCodeListViewModel::onDisconnected()
         m_view->setProperty("listModelCount", 0);
     }
     m_listModel->reset();
+    m_shown.clear();
 }
 
 } // namespace Harmattan

@@ -18,6 +18,7 @@ class DtcListViewDataModel;
 namespace Harmattan {
 
 class ConnectionManager;
+class DtcDetailViewModel;
 
 // What the stored- and pending-code screens share: a list model filled from
 // one of the data model's lists, emptied when the screen closes or the link
@@ -31,12 +32,15 @@ public:
     void setContext(QQmlContext* context) override;
 
     Obd::DtcListViewDataModel* listModel() const;
+    // Where a tapped code opens.
+    void setDetailViewModel(DtcDetailViewModel* detail);
 
 public slots:
     void onDisconnected();
     void updateView();
     void onViewDestroyed();
     void onCodesUpdated(bool success);
+    void onCodeClicked(int index);
 
 protected:
     // contextName: the list model's name in the root context.
@@ -55,6 +59,9 @@ private:
     ConnectionManager* m_connectionManager;
     bool m_viewPresent;
     Obd::DtcListViewDataModel* m_listModel;
+    // The codes in the list's rows, in their order.
+    std::vector<Obd::Dtc> m_shown;
+    DtcDetailViewModel* m_detail = nullptr;
     QString m_contextName;
 };
 

@@ -17,6 +17,9 @@ namespace {
 
 const char* const READ_FAILED = "Could not read the trouble codes: ";
 const int FAILURE_BANNER_TIMEOUT_MS = 6000;
+const char* const CLEARED = "Codes cleared";
+const char* const NOT_CLEARED = "Codes not cleared: ";
+const char* const PARTLY_CLEARED = "Codes cleared, not by every ECU: ";
 
 const char* const CLEAR_TITLE = "Clear diagnostic info?";
 const char* const CLEAR_TEXT
@@ -145,10 +148,21 @@ void DtcViewModel::onClearMilAccepted()
 
 void DtcViewModel::onMilUpdated(bool)
 {
-    if (m_viewShown && m_view && m_connected) {
+    if (!m_viewShown || !m_view || !m_connected)
+        return;
+    // Says what the car did; the lists read again show the outcome either way.
+    const std::vector<Obd::DtcDataModel::ReadFailure> failures = m_dataModel->clearFailures();
+    QString text = QString::fromLatin1(CLEARED);
+    if (!failures.empty())
+        text = QString::fromLatin1(m_dataModel->clearConfirmed() ? PARTLY_CLEARED : NOT_CLEARED)
+               + QString::fromStdString(Obd::DtcDataModel::describe(failures));
+    Obd::ZrvInfo info(text);
+    if (!failures.empty())
+        info.setTimeout(FAILURE_BANNER_TIMEOUT_MS);
+    info.show();
+    if (m_dataModel->clearConfirmed())
         setViewProperty("engineImage", QString::fromLatin1(MIL_OFF_IMAGE));
-        refreshData();
-    }
+    refreshData();
 }
 
 void DtcViewModel::onConnected()
