@@ -100,8 +100,10 @@ double cpuSeconds()
 
 std::string pidName(unsigned char pid, const Obd::Ecu& ecu)
 {
+    // An oxygen sensor of an ECU that reports no sensor layout has no name of its own.
     std::unique_ptr<Obd::PowertrainParameter> parameter(Obd::ParameterFactory::create(pid));
-    return parameter ? parameter->getName(ecu) : "PID " + hex(pid);
+    const std::string name = parameter ? parameter->getName(ecu) : std::string();
+    return name.empty() ? "PID " + hex(pid) : name;
 }
 
 // Characters on screen, not bytes: a unit like "\u00b0C" is two bytes in UTF-8.
@@ -142,6 +144,7 @@ public:
         std::string name;
         std::vector<std::string> values;
         std::vector<std::string> units;
+        std::vector<std::string> parts; // each value's own name, for PIDs of several
         unsigned int sequence = 0;
     };
 
@@ -161,8 +164,10 @@ public:
         pid->getFormattedValues(m_ecu, m_system, sample.values);
         std::vector<Obd::SensorInfo*> infos;
         pid->getSensorInfos(infos);
-        for (Obd::SensorInfo* info : infos)
+        for (Obd::SensorInfo* info : infos) {
             sample.units.push_back(Obd::unitText(info->getUnit(m_system)));
+            sample.parts.push_back(info->getName());
+        }
         std::lock_guard<std::mutex> lock(m_mutex);
         sample.sequence = m_samples[pid->getPid()].sequence + 1;
         m_samples[pid->getPid()] = sample;
@@ -661,10 +666,14 @@ int CliApplication::live(Session& session, Printer& printer)
                 const LiveListener::Sample& sample = it->second;
                 for (size_t i = 0; i < sample.values.size(); ++i) {
                     std::string unit = i < sample.units.size() ? sample.units[i] : std::string();
-                    rows.push_back({i ? "" : sample.name, sample.values[i], unit, ecuIdText(*ecu)});
+                    // An oxygen sensor's voltage and trim are two lines, each named.
+                    std::string label = sample.name.empty() ? "PID " + hex(pid) : sample.name;
+                    if (sample.values.size() > 1 && i < sample.parts.size())
+                        label += ": " + sample.parts[i];
+                    rows.push_back({label, sample.values[i], unit, ecuIdText(*ecu)});
                     QJsonObject value;
                     value["pid"] = q(hex(pid));
-                    value["name"] = q(sample.name);
+                    value["name"] = q(label);
                     value["value"] = q(sample.values[i]);
                     value["unit"] = q(unit);
                     values.append(value);
