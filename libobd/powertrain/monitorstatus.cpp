@@ -2,6 +2,8 @@
 #include "ecu.h"
 #include "trlog.h"
 
+#include <algorithm>
+
 namespace Obd {
 
 namespace {
@@ -81,19 +83,25 @@ bool MonitorStatus::hasValue(const Ecu& ecu) const
     return m_values.count(ecu.getId()) > 0;
 }
 
-std::string MonitorStatus::readinessSummary(const Ecu& ecu) const
+std::vector<unsigned int> MonitorStatus::supportedMonitors(const Ecu& ecu) const
 {
     // Ids 3..9 are the spark-ignition monitors, 10..15 the compression-ignition ones.
     const bool compression = isCompressionIgnition(ecu);
-    unsigned int supported = 0;
-    unsigned int complete = 0;
+    std::vector<unsigned int> ids;
     for (unsigned int id = 0; id < IGNITION_TYPE; ++id) {
         if (id >= 3 && (id >= 10) != compression)
             continue;
-        supported += isSupported(ecu, id);
-        complete += isComplete(ecu, id);
+        if (isSupported(ecu, id))
+            ids.push_back(id);
     }
-    return std::to_string(complete) + " of " + std::to_string(supported) + " monitors complete";
+    return ids;
+}
+
+std::string MonitorStatus::readinessSummary(const Ecu& ecu) const
+{
+    const std::vector<unsigned int> ids = supportedMonitors(ecu);
+    const auto complete = std::count_if(ids.begin(), ids.end(), [&](unsigned int id) { return isComplete(ecu, id); });
+    return std::to_string(complete) + " of " + std::to_string(ids.size()) + " monitors complete";
 }
 
 bool MonitorStatus::find(const Ecu& ecu, uint32_t& word) const

@@ -34,6 +34,10 @@ public:
     // Supported and its incomplete bit clear.
     bool isComplete(const Ecu& ecu, unsigned int monitorId) const;
 
+    // Ids of the monitors the ECU supports, of its ignition type (spark:
+    // 0..9, compression: 0..2 and 10..15), in table order.
+    std::vector<unsigned int> supportedMonitors(const Ecu& ecu) const;
+
     // "NA" for an id without a name.
     static std::string getMonitorName(unsigned int monitorId);
     static MonitorKind getMonitorKind(unsigned int monitorId);

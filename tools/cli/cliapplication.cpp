@@ -27,6 +27,7 @@
 #include "parameters/vehicleidentificationnumber.h"
 #include "imonitortestitem.h"
 #include "oxygensensortestitem.h"
+#include "powertrain/drivecyclemonitorstatus.h"
 #include "powertrain/monitorstatus.h"
 #include "powertrain/parameterfactory.h"
 
@@ -431,9 +432,13 @@ int CliApplication::dtc(Session& session, Printer& printer)
     Obd::StoredTroubleCodes stored;
     Obd::PendingTroubleCodes pending;
     Obd::MonitorStatus status;
+    Obd::DriveCycleMonitorStatus cycle;
     execute(session, stored);
     execute(session, pending);
     execute(session, status);
+    const std::vector<Obd::EcuPtr> all = ecus(session);
+    if (std::any_of(all.begin(), all.end(), [](const Obd::EcuPtr& ecu) { return ecu->isSupported(1, 0x41); }))
+        execute(session, cycle);
     // A failed read is said per ECU, never shown as no codes or MIL off.
     bool anyRead = false;
     std::string reason;
@@ -500,13 +505,7 @@ int CliApplication::dtc(Session& session, Printer& printer)
             Obd::HtmlReport::Ecu readiness;
             readiness.hasStatus = readiness.statusRead = true;
             readiness.mil = mil;
-            for (unsigned int id = 0; id <= 15; ++id) {
-                bool sparkMonitor = id >= 3 && id <= 9;
-                bool dieselMonitor = id >= 10;
-                if ((sparkMonitor && diesel) || (dieselMonitor && !diesel))
-                    continue;
-                if (!status.isSupported(*ecu, id))
-                    continue;
+            for (unsigned int id : status.supportedMonitors(*ecu)) {
                 bool complete = status.isComplete(*ecu, id);
                 printer.line("    " + Obd::MonitorStatus::getMonitorName(id) + ": " +
                              (complete ? "complete" : "incomplete"));
@@ -525,6 +524,21 @@ int CliApplication::dtc(Session& session, Printer& printer)
                 verdict += (i ? ", " : "") + notReady[i];
             printer.line("  " + verdict);
             item["ready"] = notReady.empty();
+        }
+        if (ecu->isSupported(1, 0x41) && !unread(cycle, "This drive cycle", "driveCycle")) {
+            // Monitors enabled this trip and not yet run: what a test drive still has to do.
+            std::string notYet;
+            QJsonArray incomplete;
+            for (unsigned int id : cycle.supportedMonitors(*ecu)) {
+                if (cycle.isComplete(*ecu, id))
+                    continue;
+                notYet += (notYet.empty() ? "; not yet: " : ", ") + Obd::MonitorStatus::getMonitorName(id);
+                incomplete.append(q(Obd::MonitorStatus::getMonitorName(id)));
+            }
+            std::vector<std::string> text;
+            cycle.getFormattedValues(*ecu, Obd::US_METRIC, text);
+            printer.line("  This drive cycle: " + (text.empty() ? std::string() : text.front()) + notYet);
+            item["driveCycleIncomplete"] = incomplete;
         }
         if (!errors.isEmpty())
             item["errors"] = errors;

@@ -165,6 +165,8 @@ TEST(CliCommands, ExitCodesMessagesAndEffects)
          "Not ready: MIL on, Evaporative System not ready", 1},
         {"dtc verdict: the gearbox has every monitor complete", "can11", {"dtc"}, App::EXIT_OK,
          "Ready for an emissions inspection", 1},
+        {"dtc: PID 41 with 6 + 3 monitors, boost (C bit 3) and PM filter (D bit 6) not run this trip", "diesel",
+         {"dtc"}, App::EXIT_OK, "This drive cycle: 7 of 9 monitors complete; not yet: Boost Pressure, PM filter", 1},
         {"vehicle ratio: 350 of 412 = 84.95 %, rounded", "can11", {"vehicle"}, App::EXIT_OK,
          "EGR and/or VVT Monitor: 350 / 412 (85 %)", 1},
         {"vehicle ratio: a diesel monitor never encountered", "diesel", {"vehicle"}, App::EXIT_OK,
