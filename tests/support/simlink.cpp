@@ -1,7 +1,4 @@
 #include "simlink.h"
-#include "iconnection.h"
-#include "iscantool.h"
-#include "tcpbus.h"
 
 #include <gtest/gtest.h>
 
@@ -75,18 +72,25 @@ Obd::LinkOpener::Result SimLink::open()
 {
     if (!m_started && !(m_started = m_server->start()))
         return Obd::LinkOpener::LO_CONNECT_FAILED;
-    Obd::TcpBus* bus = new Obd::TcpBus;
-    bus->init("127.0.0.1", m_server->port());
-    return Obd::LinkOpener().open(bus, this, &m_proxy, m_connection, m_scantool);
+    switch (m_link.open(Obd::AdapterAddress::tcp("127.0.0.1", m_server->port()))) {
+    case Obd::VehicleLink::VL_OK:
+        return Obd::LinkOpener::LO_OK;
+    case Obd::VehicleLink::VL_NOT_IDENTIFIED:
+        return Obd::LinkOpener::LO_IDENTIFY_FAILED;
+    case Obd::VehicleLink::VL_NOT_INITIALIZED:
+        return Obd::LinkOpener::LO_INITIALIZE_FAILED;
+    case Obd::VehicleLink::VL_VEHICLE_NOT_REACHED:
+        return Obd::LinkOpener::LO_DISCOVERY_FAILED;
+    case Obd::VehicleLink::VL_CANCELLED:
+        return Obd::LinkOpener::LO_CANCELLED;
+    default:
+        return Obd::LinkOpener::LO_CONNECT_FAILED;
+    }
 }
 
 void SimLink::close()
 {
-    m_proxy.reset();
-    delete m_scantool;
-    m_scantool = nullptr;
-    delete m_connection;
-    m_connection = nullptr;
+    m_link.close();
 }
 
 Obd::ExchangeResult SimLink::execute(Obd::ObdParameter& parameter)

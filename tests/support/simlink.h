@@ -7,6 +7,7 @@
 #include "obdproxy.h"
 #include "obdtransporter.h"
 #include "serveroptions.h"
+#include "vehiclelink.h"
 
 #include <atomic>
 #include <memory>
@@ -17,8 +18,8 @@ class IConnection;
 class IScantool;
 }
 
-// A discovered vehicle behind the simulator: elmsim on a free port, the TCP
-// bus, connection, scan tool and proxy opened the way the application does.
+// A discovered vehicle behind the simulator: elmsim on a free port and the
+// library's vehicle link to it, opened the way the application does.
 class SimLink : public Obd::IDisconnectListener
 {
 public:
@@ -41,8 +42,8 @@ public:
 
     ElmSim::ElmSimServer& server() { return *m_server; }
     Obd::ObdProxy& proxy() { return m_proxy; }
-    Obd::IScantool* scantool() { return m_scantool; }
-    Obd::IConnection* connection() { return m_connection; }
+    Obd::IScantool* scantool() { return m_link.scantool(); }
+    Obd::IConnection* connection() { return m_link.connection(); }
     int disconnects() const { return m_disconnects; }
 
     void onDisconnected() override { ++m_disconnects; }
@@ -52,9 +53,8 @@ private:
     ElmSim::ElmSimServer* m_server;
     bool m_started = false;
     Obd::ObdProxy m_proxy;
-    Obd::IConnection* m_connection = nullptr;
-    Obd::IScantool* m_scantool = nullptr;
     std::atomic<int> m_disconnects{0};
+    Obd::VehicleLink m_link{&m_proxy, this};
 };
 
 #endif
