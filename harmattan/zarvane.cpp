@@ -20,6 +20,7 @@
 #include "viewmodel/informationviewmodel.h"
 #include "viewmodel/livedataviewmodel.h"
 #include "viewmodel/readinessviewmodel.h"
+#include "viewmodel/reportviewmodel.h"
 #include "viewmodel/pendingdtcviewmodel.h"
 #include "viewmodel/scantoolinformationviewmodel.h"
 #include "viewmodel/storeddtcviewmodel.h"
@@ -143,6 +144,8 @@ Zarvane::Zarvane(QObject* rootObject, QQmlContext* rootContext)
     m_vehicleInfoViewModel = new VehicleInfoViewModel(m_navigationModel, m_connectionManager, this);
     m_navigationModel->registerVehicleInfoViewModel(m_vehicleInfoViewModel);
     publish(m_vehicleInfoViewModel);
+    // "Save report" on the information screen; deleted with us, after the manager.
+    publish(new ReportViewModel(m_connectionManager, this));
 
     if (m_rootContext) {
         m_rootContext->setContextProperty("mainViewModel", m_mainViewModel);
