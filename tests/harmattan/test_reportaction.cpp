@@ -66,9 +66,12 @@ TEST_F(ReportActionTest, SaveReportWritesTheVehiclesPageOrSaysWhyNot)
             EXPECT_TRUE(html.contains(QString::fromStdString(first.vin))) << first.vin;
             for (const QString& code : simCodes(true))
                 EXPECT_TRUE(html.contains("<code>" + code + "</code>")) << code.toStdString();
-            ui->picture(QString("report_saved_") + row.profile);
-            if (UiHarness::picturesWanted())
+            EXPECT_TRUE(ui->banner()->property("shown").toBool());
+            if (UiHarness::picturesWanted()) {
+                waitUntil([&] { return ui->banner()->property("opacity").toDouble() >= 1.0; }, READ_WAIT_MS);
+                ui->picture(QString("report_saved_") + row.profile);
                 QFile::copy(path, qEnvironmentVariable("ZARVANE_SCREENSHOTS") + "/report_" + row.profile + ".html");
+            }
         }
         ui->app()->connectionManager()->closeConnection();
         ASSERT_TRUE(waitUntil([&] { return !model->isConnected(); }, READ_WAIT_MS));
