@@ -36,7 +36,7 @@ ZPage {
                 width: parent.width
                 wrapMode: Text.WordWrap
                 text: page.stale ? "Not connected" : page.summary
-                color: page.stale || page.summary.indexOf("failed") >= 0 ? Theme.danger : Theme.accent
+                color: page.stale || page.summary.indexOf("failed") >= 0 || page.readError !== "" ? Theme.danger : Theme.accent
                 font.pixelSize: Theme.fontNormal
                 font.bold: true
             }

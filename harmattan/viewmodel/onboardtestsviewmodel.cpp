@@ -303,7 +303,7 @@ void OnBoardTestsViewModel::compose()
     else if (rows.isEmpty())
         m_summary = m_ecus.empty() ? QString() : QStringLiteral("No control unit reports on-board tests");
     else if (tests == 0)
-        m_summary = QStringLiteral("No test results");
+        m_summary = causes.isEmpty() ? QStringLiteral("No test results") : QStringLiteral("Could not read the test results");
     else
         m_summary = failed == 0 ? QStringLiteral("%1 tests, all passed").arg(tests)
                                 : QStringLiteral("%1 tests, %2 failed").arg(tests).arg(failed);
