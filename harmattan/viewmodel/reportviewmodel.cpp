@@ -12,6 +12,7 @@
 #include <QFileInfo>
 #include <QQmlContext>
 #include <QStandardPaths>
+#include <QThread>
 
 namespace Harmattan {
 
@@ -59,8 +60,12 @@ ReportViewModel::~ReportViewModel()
 {
     m_writer->stop = true;
     m_writer->disconnect(this);
-    // After a write still queued on the worker, which then reads nothing.
-    m_writer->deleteLater();
+    // After a write still queued on the worker, which then reads nothing; a
+    // stopped worker runs nothing more.
+    if (m_writer->thread()->isRunning())
+        m_writer->deleteLater();
+    else
+        delete m_writer;
 }
 
 void ReportViewModel::setContext(QQmlContext* context)
@@ -90,7 +95,7 @@ QString ReportViewModel::folder() const
 void ReportViewModel::save()
 {
     Obd::IObdProxy* proxy = m_connectionManager->proxy();
-    if (m_busy || !m_connected || !proxy)
+    if (m_busy || !m_connected || !proxy || !proxy->isInitialized())
         return;
     const QString path = folder() + QStringLiteral("/report-") +
                          QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd-HHmmss")) +
