@@ -1,10 +1,15 @@
 #include "livedatalistmodel.h"
 
 #include "iobdproxy.h"
+#include "measurableparameter.h"
+#include "monitorstatussensor.h"
+#include "powertrain/counterpid.h"
+#include "powertrain/parameterfactory.h"
 #include "sensor.h"
 #include "sensorcreator.h"
 #include "sensorvalue.h"
 
+#include <memory>
 #include <vector>
 
 namespace Harmattan {
@@ -49,6 +54,8 @@ QVariant LiveDataListModel::data(const QModelIndex& index, int role) const
         return values.isEmpty() ? QString() : values.first()->getEcuName();
     case PolledRole:
         return sensor->isActive();
+    case NumericRole:
+        return m_numeric.value(index.row());
     default:
         return QVariant();
     }
@@ -57,7 +64,7 @@ QVariant LiveDataListModel::data(const QModelIndex& index, int role) const
 QHash<int, QByteArray> LiveDataListModel::roleNames() const
 {
     return { { NameRole, "name" }, { ValueRole, "value" }, { UnitRole, "unit" },
-             { EcuRole, "ecu" }, { PolledRole, "polled" } };
+             { EcuRole, "ecu" }, { PolledRole, "polled" }, { NumericRole, "numeric" } };
 }
 
 void LiveDataListModel::build(Obd::IObdProxy* proxy, Obd::UnitSystem unitSystem, int intervalMs)
@@ -65,6 +72,7 @@ void LiveDataListModel::build(Obd::IObdProxy* proxy, Obd::UnitSystem unitSystem,
     beginResetModel();
     qDeleteAll(m_sensors);
     m_sensors.clear();
+    m_numeric.clear();
     m_proxy = proxy;
     std::vector<Obd::EcuPtr> ecus;
     if (proxy)
@@ -77,9 +85,14 @@ void LiveDataListModel::build(Obd::IObdProxy* proxy, Obd::UnitSystem unitSystem,
             // The range PIDs only say which others exist.
             if (pid % 0x20 == 0)
                 continue;
-            Obd::Sensor* sensor = Obd::SensorCreator::createSensor(*ecu, pid);
+            Obd::Sensor* sensor = pid == 0x01 ? new MonitorStatusSensor(*ecu)
+                                              : Obd::SensorCreator::createSensor(*ecu, pid);
             if (!sensor)
                 continue;
+            const std::unique_ptr<Obd::PowertrainParameter> probe(Obd::ParameterFactory::create(pid));
+            // Counters (run time, distances) are whole numbers without a formatter.
+            m_numeric.append(dynamic_cast<Obd::MeasurableParameter*>(probe.get())
+                             || dynamic_cast<Obd::CounterPid*>(probe.get()));
             const int row = m_sensors.size();
             sensor->setParent(this);
             sensor->setIndex(row);
@@ -98,6 +111,7 @@ void LiveDataListModel::clear()
     beginResetModel();
     qDeleteAll(m_sensors);
     m_sensors.clear();
+    m_numeric.clear();
     m_proxy = nullptr;
     endResetModel();
 }
@@ -148,6 +162,19 @@ int LiveDataListModel::polledCount() const
 Obd::Sensor* LiveDataListModel::sensor(int row) const
 {
     return row >= 0 && row < m_sensors.size() ? m_sensors[row] : nullptr;
+}
+
+bool LiveDataListModel::isNumeric(int row) const
+{
+    return m_numeric.value(row);
+}
+
+int LiveDataListModel::rowOf(unsigned int ecuId, unsigned char pid) const
+{
+    for (int row = 0; row < m_sensors.size(); ++row)
+        if (m_sensors[row]->getEcuId() == ecuId && m_sensors[row]->getPid() == pid)
+            return row;
+    return -1;
 }
 
 void LiveDataListModel::onSensorChanged(int row)

@@ -25,7 +25,9 @@ public:
         ValueRole,
         UnitRole,
         EcuRole,
-        PolledRole
+        PolledRole,
+        // A number that can be charted, not a text.
+        NumericRole
     };
 
     explicit LiveDataListModel(QObject* parent = nullptr);
@@ -44,6 +46,9 @@ public:
     void setUnitSystem(Obd::UnitSystem unitSystem);
     int polledCount() const;
     Obd::Sensor* sensor(int row) const;
+    bool isNumeric(int row) const;
+    // The row of a PID of an ECU; -1 when the list has none.
+    int rowOf(unsigned int ecuId, unsigned char pid) const;
 
 signals:
     // A sensor came back with a reading.
@@ -53,6 +58,7 @@ private:
     void onSensorChanged(int row);
 
     QList<Obd::Sensor*> m_sensors;
+    QList<bool> m_numeric;
     Obd::IObdProxy* m_proxy;
 };
 

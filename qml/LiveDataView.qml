@@ -13,36 +13,64 @@ ZPage {
 
     signal visibleRows(int first, int last)
     signal unitToggled()
-    // The row whose value the chart draws; -1 closes it.
+    // Adds a row to the chart or takes it off; -1 empties the chart.
     signal chartRow(int row)
+    signal recordToggled()
+    signal recordingsRequested()
+    signal fileOpened(string name)
+    signal fileColumnToggled(int column)
+    signal fileClosed()
 
-    property int chartedRow: -1
-    property string chartTitle
-    property string chartUnit
+    // Set by the view model.
+    property var chartedRows: []
+    property var chartedColours: []
+    property string chartNotice
+    property bool recording: false
+    property string recordText
+    property var recordings: []
+    property bool fileMode: false
+    property string fileTitle
+    property var fileColumns: []
+    property string fileNotice
+    property bool picking: false
 
-    function openChart(row, title, unit) {
-        page.chartedRow = row
-        page.chartTitle = title
-        page.chartUnit = unit
-        page.chartRow(row)
-        Qt.callLater(list.positionViewAtIndex, row, ListView.Contain)
-    }
-    function closeChart() {
-        page.chartedRow = -1
-        page.chartRow(-1)
+    function chartColour(row) {
+        var i = page.chartedRows.indexOf(row)
+        return i >= 0 && i < page.chartedColours.length ? page.chartedColours[i] : "transparent"
     }
 
     objectName: "liveDataView"
     title: "Live data"
+    onFileModeChanged: Qt.callLater(page.reportRows)
 
     function reportRows() {
-        if (list.count === 0) {
+        if (list.count === 0 || page.fileMode) {
             page.visibleRows(-1, -1)
             return
         }
         var first = list.indexAt(0, list.contentY + 1)
         var last = list.indexAt(0, list.contentY + list.height - 1)
         page.visibleRows(first < 0 ? 0 : first, last < 0 ? list.count - 1 : last)
+    }
+
+    component BarButton: Button {
+        id: barButton
+        property bool active: false
+        height: 40
+        background: Rectangle {
+            radius: Theme.radius
+            color: barButton.pressed ? Theme.pressed : barButton.active ? Theme.danger : Theme.surfaceRaised
+            border.color: barButton.enabled ? Theme.accent : Theme.divider
+            border.width: 1
+        }
+        contentItem: Text {
+            text: barButton.text
+            horizontalAlignment: Text.AlignHCenter
+            verticalAlignment: Text.AlignVCenter
+            color: barButton.enabled ? Theme.text : Theme.textDim
+            font.pixelSize: Theme.fontSmall
+            font.bold: true
+        }
     }
 
     Rectangle {
@@ -55,37 +83,61 @@ ZPage {
         Text {
             objectName: "statusText"
             anchors.left: parent.left
+            anchors.right: buttons.left
             anchors.leftMargin: Theme.margin
+            anchors.rightMargin: 8
             anchors.verticalCenter: parent.verticalCenter
-            text: page.stale ? "Not connected" : list.count + " values, read while shown"
+            text: page.stale ? "Not connected" : list.count + " values"
             color: page.stale ? Theme.danger : Theme.textDim
             font.pixelSize: Theme.fontSmall
             font.bold: page.stale
+            elide: Text.ElideRight
         }
-        Button {
-            id: unitButton
-            objectName: "unitButton"
+        Row {
+            id: buttons
             anchors.right: parent.right
             anchors.rightMargin: 8
             anchors.verticalCenter: parent.verticalCenter
-            height: 40
-            text: page.imperial ? "Imperial" : "Metric"
-            onClicked: page.unitToggled()
-            background: Rectangle {
-                radius: Theme.radius
-                color: unitButton.pressed ? Theme.pressed : Theme.surfaceRaised
-                border.color: Theme.accent
-                border.width: 1
+            spacing: 6
+            BarButton {
+                objectName: "recordButton"
+                text: page.recording ? "Stop" : "Record"
+                active: page.recording
+                enabled: page.recording || (!page.stale && list.count > 0)
+                onClicked: page.recordToggled()
             }
-            contentItem: Text {
-                text: unitButton.text
-                horizontalAlignment: Text.AlignHCenter
-                verticalAlignment: Text.AlignVCenter
-                color: Theme.text
-                font.pixelSize: Theme.fontSmall
-                font.bold: true
+            BarButton {
+                objectName: "openButton"
+                text: "Open"
+                onClicked: {
+                    page.recordingsRequested()
+                    page.picking = true
+                }
+            }
+            BarButton {
+                objectName: "unitButton"
+                text: page.imperial ? "Imperial" : "Metric"
+                onClicked: page.unitToggled()
             }
         }
+    }
+
+    Text {
+        id: recordLine
+        objectName: "recordText"
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.top: bar.bottom
+        leftPadding: Theme.margin
+        rightPadding: Theme.margin
+        height: text !== "" ? 30 : 0
+        visible: text !== ""
+        verticalAlignment: Text.AlignVCenter
+        text: page.recordText
+        color: page.recording ? Theme.danger : Theme.textDim
+        font.pixelSize: Theme.fontSmall
+        font.bold: page.recording
+        elide: Text.ElideMiddle
     }
 
     ListView {
@@ -93,8 +145,9 @@ ZPage {
         objectName: "liveDataList"
         anchors.left: parent.left
         anchors.right: parent.right
-        anchors.top: bar.bottom
-        anchors.bottom: chartPanel.visible ? chartPanel.top : parent.bottom
+        anchors.top: recordLine.bottom
+        anchors.bottom: livePanel.visible ? livePanel.top : parent.bottom
+        visible: !page.fileMode
         clip: true
         boundsBehavior: Flickable.StopAtBounds
         model: typeof liveDataListModel !== "undefined" ? liveDataListModel : null
@@ -104,11 +157,23 @@ ZPage {
         Component.onCompleted: Qt.callLater(page.reportRows)
 
         delegate: ItemDelegate {
+            id: row
+            readonly property color chartColour: page.chartColour(index)
             width: ListView.view.width
             height: 64
             opacity: page.stale ? 0.45 : 1
-            onClicked: page.openChart(index, model.name, model.unit)
-            background: Rectangle { color: parent.pressed || index === page.chartedRow ? Theme.pressed : "transparent" }
+            onClicked: page.chartRow(index)
+            background: Rectangle { color: row.pressed ? Theme.pressed : "transparent" }
+            // The chart's colour for a charted row.
+            Rectangle {
+                anchors.left: parent.left
+                anchors.top: parent.top
+                anchors.bottom: parent.bottom
+                anchors.margins: 8
+                width: 5
+                radius: 2
+                color: row.chartColour
+            }
             Column {
                 anchors.left: parent.left
                 anchors.right: valueText.left
@@ -136,12 +201,13 @@ ZPage {
                 anchors.right: parent.right
                 anchors.rightMargin: Theme.margin
                 anchors.verticalCenter: parent.verticalCenter
-                width: Math.min(implicitWidth, parent.width / 2)
+                // A text (the monitor summary) gets more room, in a smaller size.
+                width: Math.min(implicitWidth, parent.width * (model.numeric ? 0.5 : 0.6))
                 horizontalAlignment: Text.AlignRight
-                elide: Text.ElideLeft
+                elide: model.numeric ? Text.ElideLeft : Text.ElideRight
                 text: model.unit !== "" ? model.value + " " + model.unit : model.value
                 color: page.stale ? Theme.textDim : Theme.text
-                font.pixelSize: Theme.fontLarge
+                font.pixelSize: model.numeric ? Theme.fontLarge : Theme.fontNormal
                 font.bold: true
             }
             Rectangle {
@@ -162,87 +228,170 @@ ZPage {
         width: parent.width - 2 * Theme.margin
         horizontalAlignment: Text.AlignHCenter
         wrapMode: Text.WordWrap
-        visible: list.count === 0
+        visible: list.count === 0 && !page.fileMode
         text: page.stale ? "Not connected: open the connection first." : "No values reported"
         color: Theme.textDim
         font.pixelSize: Theme.fontNormal
     }
 
-    Rectangle {
-        id: chartPanel
+    ChartPanel {
+        id: livePanel
         objectName: "chartPanel"
+        chartName: "valueChart"
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.bottom: parent.bottom
-        height: 300
-        visible: page.chartedRow >= 0
-        color: Theme.surface
-        Rectangle { anchors.left: parent.left; anchors.right: parent.right; height: 1; color: Theme.divider }
+        visible: !page.fileMode && (page.chartedRows.length > 0 || page.chartNotice !== "")
+        hint: "Tap a row to add it or take it off: four at most"
+        notice: page.chartNotice
+        stale: page.stale
+        onClosed: page.chartRow(-1)
+    }
+
+    // A recording opened again: its columns above, charted like live values.
+    Rectangle {
+        id: fileHeader
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.top: recordLine.bottom
+        height: 52
+        visible: page.fileMode
+        color: Theme.surfaceRaised
         Text {
-            id: chartTitleText
-            objectName: "chartTitle"
+            objectName: "fileTitle"
             anchors.left: parent.left
-            anchors.right: closeButton.left
+            anchors.right: liveButton.left
+            anchors.leftMargin: Theme.margin
+            anchors.rightMargin: 8
+            anchors.verticalCenter: parent.verticalCenter
+            text: page.fileTitle
+            color: Theme.text
+            font.pixelSize: Theme.fontSmall
+            font.bold: true
+            elide: Text.ElideMiddle
+        }
+        BarButton {
+            id: liveButton
+            objectName: "fileCloseButton"
+            anchors.right: parent.right
+            anchors.rightMargin: 8
+            anchors.verticalCenter: parent.verticalCenter
+            text: "Live"
+            onClicked: page.fileClosed()
+        }
+    }
+    ListView {
+        id: fileColumnList
+        objectName: "fileColumnList"
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.top: fileHeader.bottom
+        anchors.bottom: filePanel.top
+        visible: page.fileMode
+        clip: true
+        model: page.fileColumns
+        delegate: ItemDelegate {
+            id: columnRow
+            width: ListView.view.width
+            height: 52
+            onClicked: page.fileColumnToggled(index)
+            background: Rectangle { color: columnRow.pressed ? Theme.pressed : "transparent" }
+            Rectangle {
+                anchors.left: parent.left
+                anchors.top: parent.top
+                anchors.bottom: parent.bottom
+                anchors.margins: 8
+                width: 5
+                radius: 2
+                color: modelData.colour !== "" ? modelData.colour : "transparent"
+            }
+            Text {
+                anchors.left: parent.left
+                anchors.right: ecuText.left
+                anchors.leftMargin: Theme.margin
+                anchors.verticalCenter: parent.verticalCenter
+                text: modelData.name + (modelData.unit !== "" ? " (" + modelData.unit + ")" : "")
+                color: Theme.text
+                font.pixelSize: Theme.fontNormal
+                elide: Text.ElideRight
+            }
+            Text {
+                id: ecuText
+                anchors.right: parent.right
+                anchors.rightMargin: Theme.margin
+                anchors.verticalCenter: parent.verticalCenter
+                text: modelData.ecu
+                color: Theme.accent
+                font.pixelSize: Theme.fontSmall
+                font.bold: true
+            }
+        }
+    }
+    ChartPanel {
+        id: filePanel
+        objectName: "fileChartPanel"
+        chartName: "fileChart"
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.bottom: parent.bottom
+        visible: page.fileMode
+        hint: "Tap a column to add it or take it off: four at most"
+        notice: page.fileNotice
+        onClosed: page.fileClosed()
+    }
+
+    // The recordings to open, newest first.
+    Rectangle {
+        objectName: "recordingsPanel"
+        anchors.fill: parent
+        visible: page.picking
+        color: Theme.background
+        Text {
+            id: pickTitle
+            anchors.left: parent.left
+            anchors.right: cancelButton.left
+            anchors.leftMargin: Theme.margin
             anchors.top: parent.top
-            anchors.margins: Theme.margin
-            text: page.chartTitle
-            color: page.stale ? Theme.textDim : Theme.text
+            height: 56
+            verticalAlignment: Text.AlignVCenter
+            text: page.recordings.length > 0 ? "Open a recording" : "No recordings yet"
+            color: Theme.text
             font.pixelSize: Theme.fontNormal
             font.bold: true
-            elide: Text.ElideRight
         }
-        ToolButton {
-            id: closeButton
-            objectName: "chartCloseButton"
+        BarButton {
+            id: cancelButton
+            objectName: "recordingsCancel"
             anchors.right: parent.right
-            anchors.top: parent.top
-            anchors.margins: 6
-            width: 44
-            height: 44
-            onClicked: page.closeChart()
-            background: Rectangle {
-                radius: width / 2
-                color: closeButton.pressed ? Theme.pressed : "transparent"
-            }
-            contentItem: Text {
-                text: "\u00D7"
-                color: Theme.textDim
-                font.pixelSize: 30
-                horizontalAlignment: Text.AlignHCenter
-                verticalAlignment: Text.AlignVCenter
-            }
+            anchors.rightMargin: 8
+            anchors.verticalCenter: pickTitle.verticalCenter
+            text: "Cancel"
+            onClicked: page.picking = false
         }
-        ValueChart {
-            id: chart
-            objectName: "valueChart"
+        ListView {
+            objectName: "recordingsList"
             anchors.left: parent.left
             anchors.right: parent.right
-            anchors.top: chartTitleText.bottom
-            anchors.bottom: figures.top
-            anchors.margins: Theme.margin
-        }
-        Row {
-            id: figures
-            anchors.horizontalCenter: parent.horizontalCenter
+            anchors.top: pickTitle.bottom
             anchors.bottom: parent.bottom
-            anchors.bottomMargin: 12
-            spacing: 28
-            Repeater {
-                model: [["Min", chart.minimum], ["Max", chart.maximum], ["Now", chart.current]]
-                Column {
-                    Text {
-                        text: modelData[0]
-                        color: Theme.accent
-                        font.pixelSize: Theme.fontSmall
-                        font.bold: true
-                        font.capitalization: Font.AllUppercase
-                    }
-                    Text {
-                        text: chart.sampleCount > 0 ? Number(modelData[1]).toLocaleString(Qt.locale("C"), "f", 1) + " " + page.chartUnit : "-"
-                        color: page.stale ? Theme.textDim : Theme.text
-                        font.pixelSize: Theme.fontLarge
-                        font.bold: true
-                    }
+            clip: true
+            model: page.recordings
+            delegate: ItemDelegate {
+                id: fileRow
+                width: ListView.view.width
+                height: 56
+                onClicked: {
+                    page.picking = false
+                    page.fileOpened(modelData)
+                }
+                background: Rectangle { color: fileRow.pressed ? Theme.pressed : "transparent" }
+                Text {
+                    anchors.left: parent.left
+                    anchors.leftMargin: Theme.margin
+                    anchors.verticalCenter: parent.verticalCenter
+                    text: modelData
+                    color: Theme.text
+                    font.pixelSize: Theme.fontNormal
                 }
             }
         }

@@ -4,10 +4,15 @@
 #include "iviewmodel.h"
 #include "unitsystem.h"
 
+#include <QList>
 #include <QObject>
 #include <QPointer>
+#include <QString>
+
+#include <memory>
 
 namespace Obd {
+class CsvReader;
 class SettingsModel;
 }
 
@@ -15,10 +20,13 @@ namespace Harmattan {
 
 class ConnectionManager;
 class LiveDataListModel;
+class LiveRecorder;
 class ValueChart;
 
 // Live data: every supported PID of every ECU; a row is polled while the
-// list shows it, and the values follow the metric/imperial setting.
+// list shows it, charts it or records it, and the values follow the
+// metric/imperial setting. Up to four rows share the chart; the rows shown
+// can be recorded to CSV, and a recording opened again in a chart of its own.
 class LiveDataViewModel : public QObject, public IViewModel
 {
     Q_OBJECT
@@ -35,9 +43,13 @@ public:
     void setContext(QQmlContext* context) override;
 
     LiveDataListModel* listModel() const;
+    LiveRecorder* recorder() const;
     Obd::UnitSystem unitSystem() const;
     // Changes the setting, so every screen follows.
     void setUnitSystem(Obd::UnitSystem unitSystem);
+    // Where recordings go and are found; the application's data folder by default.
+    QString recordingsFolder() const;
+    void setRecordingsFolder(const QString& folder);
 
 public slots:
     void onConnected();
@@ -46,26 +58,46 @@ public slots:
     // The list shows rows first..last (-1: none).
     void onVisibleRows(int first, int last);
     void onUnitToggled();
-    // A tapped row's value is drawn over time; -1 closes the chart.
+    // Adds a tapped row to the chart or takes it off; -1 empties the chart.
     void onChartRow(int row);
     void onValueUpdated(int row);
+    // Starts recording the charted rows, or the rows shown; stops a recording.
+    void onRecordToggled();
+    // Lists the recordings, newest first, for the view to pick from.
+    void onRecordingsRequested();
+    void onFileOpened(const QString& name);
+    void onFileColumnToggled(int column);
+    void onFileClosed();
 
 private slots:
     void onUnitSystemChanged();
+    void onRecorderChanged();
 
 private:
     void showState();
+    void showFile();
     void poll();
+    int chartedIndex(int row) const;
+    void addFileSeries(int column);
+    static quint64 key(unsigned int ecuId, unsigned char pid) { return quint64(ecuId) << 8 | pid; }
 
     QPointer<QObject> m_view;
     ConnectionManager* m_connectionManager;
     Obd::SettingsModel* m_settings;
     LiveDataListModel* m_listModel;
+    LiveRecorder* m_recorder;
     bool m_connected;
     int m_first;
-    int m_chartRow;
-    QPointer<ValueChart> m_chart;
     int m_last;
+    // The charted rows by ECU and PID, in the chart's order.
+    QList<quint64> m_charted;
+    QString m_notice;
+    QPointer<ValueChart> m_chart;
+    QPointer<ValueChart> m_fileChart;
+    std::unique_ptr<Obd::CsvReader> m_file;
+    QString m_fileTitle;
+    QList<int> m_fileCharted;
+    QString m_folder;
     Obd::UnitSystem m_unitSystem;
 };
 
