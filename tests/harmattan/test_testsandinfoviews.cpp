@@ -74,6 +74,7 @@ protected:
     QObject* openFromInformation(const char* rowName)
     {
         ui->open(NavigationModel::InformationView);
+        ui->picture("17b-information");
         return ui->tap(ui->currentPage(), rowName) && ui->settle() ? ui->currentPage() : nullptr;
     }
     bool testsRead(QObject* page)
@@ -145,6 +146,7 @@ TEST_P(TestsAndInfoViews, ShowTheProfilesTestsVinCalibrationsAndRatios)
     ASSERT_TRUE(page);
     EXPECT_EQ(ui->text(page, "summaryText"), "Not connected");
     EXPECT_EQ(tests()->rowCount(), records);
+    ui->picture(QStringLiteral("17b-tests-%1-lost").arg(vehicle.profile));
 }
 
 INSTANTIATE_TEST_SUITE_P(Profiles, TestsAndInfoViews, ::testing::ValuesIn(VEHICLES),
