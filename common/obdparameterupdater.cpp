@@ -1,15 +1,75 @@
 #include "obdparameterupdater.h"
 
 #include "iobdproxy.h"
+#include "iscantool.h"
+#include "livereader.h"
 #include "obdparameter.h"
 #include "obdtransporter.h"
+#include "powertrainparameter.h"
 #include "trlog.h"
 #include "tsanannotations.h"
 
 #include <QElapsedTimer>
 #include <QThread>
 
+#include <algorithm>
+#include <memory>
+#include <set>
+
 namespace Obd {
+
+namespace {
+
+// Updaters with an update() queued and not yet run, in request order.
+std::mutex s_pendingMutex;
+std::vector<ObdParameterUpdater*> s_pending;
+
+void forgetPending(ObdParameterUpdater* updater)
+{
+    std::lock_guard<std::mutex> lock(s_pendingMutex);
+    s_pending.erase(std::remove(s_pending.begin(), s_pending.end(), updater), s_pending.end());
+}
+
+// One reader per open link, so that what it learns (ECUs that cannot take
+// several PIDs, the measured time-out) lasts as long as the link.
+struct SharedReader
+{
+    IObdProxy* proxy;
+    IScantool* scantool;
+    std::mutex mutex;
+    LiveReader reader;
+    SharedReader(IObdProxy* p)
+        : proxy(p), scantool(p->getScantool()), reader(p) {}
+};
+std::mutex s_readersMutex;
+std::vector<std::shared_ptr<SharedReader>> s_readers;
+
+std::shared_ptr<SharedReader> readerFor(IObdProxy* proxy)
+{
+    std::lock_guard<std::mutex> lock(s_readersMutex);
+    for (auto it = s_readers.begin(); it != s_readers.end(); ++it) {
+        if ((*it)->proxy != proxy)
+            continue;
+        // Another scan tool behind the same address is another link.
+        if ((*it)->scantool == proxy->getScantool())
+            return *it;
+        s_readers.erase(it);
+        break;
+    }
+    s_readers.push_back(std::make_shared<SharedReader>(proxy));
+    return s_readers.back();
+}
+
+// The PID of a live (service 01) parameter that can be read with others.
+int sharedPid(ObdParameter* parameter)
+{
+    PowertrainParameter* live = dynamic_cast<PowertrainParameter*>(parameter);
+    if (!live || live->getMode() != 1 || live->getPid() % 0x20 == 0)
+        return -1;
+    return live->getPid();
+}
+
+} // namespace
 
 ObdParameterUpdater::ObdParameterUpdater(ObdParameter* parameter)
     : QObject(nullptr)
@@ -23,6 +83,7 @@ ObdParameterUpdater::ObdParameterUpdater(ObdParameter* parameter)
 
 ObdParameterUpdater::~ObdParameterUpdater()
 {
+    forgetPending(this);
     std::lock_guard<std::mutex> lock(m_mutex);
     if (m_averageUpdateTime > 0)
         OBD_DEBUG << "average update time " << m_averageUpdateTime;
@@ -63,8 +124,33 @@ int ObdParameterUpdater::nextAverage(int average, qint64 elapsedMs, unsigned int
     return static_cast<int>(mean);
 }
 
+void ObdParameterUpdater::forgetProxy(IObdProxy* proxy)
+{
+    std::lock_guard<std::mutex> lock(s_readersMutex);
+    s_readers.erase(std::remove_if(s_readers.begin(), s_readers.end(),
+                                   [proxy](const std::shared_ptr<SharedReader>& r) { return r->proxy == proxy; }),
+                    s_readers.end());
+}
+
+void ObdParameterUpdater::requestUpdates(const std::vector<ObdParameterUpdater*>& updaters)
+{
+    {
+        std::lock_guard<std::mutex> lock(s_pendingMutex);
+        for (ObdParameterUpdater* updater : updaters)
+            if (std::find(s_pending.begin(), s_pending.end(), updater) == s_pending.end())
+                s_pending.push_back(updater);
+    }
+    for (ObdParameterUpdater* updater : updaters)
+        requestUpdate(updater);
+}
+
 void ObdParameterUpdater::requestUpdate(ObdParameterUpdater* updater, Qt::ConnectionType type)
 {
+    if (updater) {
+        std::lock_guard<std::mutex> lock(s_pendingMutex);
+        if (std::find(s_pending.begin(), s_pending.end(), updater) == s_pending.end())
+            s_pending.push_back(updater);
+    }
     OBD_TSAN_RELEASE(updater);
     QMetaObject::invokeMethod(updater, "update", type);
 }
@@ -83,18 +169,86 @@ bool ObdParameterUpdater::event(QEvent* event)
     return QObject::event(event);
 }
 
+void ObdParameterUpdater::counted(qint64 elapsedMs)
+{
+    ++m_updateCount;
+    m_averageUpdateTime = nextAverage(m_averageUpdateTime, elapsedMs, m_updateCount);
+}
+
+std::vector<ObdParameterUpdater*> ObdParameterUpdater::claimPeers(IObdProxy* proxy)
+{
+    std::vector<ObdParameterUpdater*> peers;
+    const int own = sharedPid(m_parameter);
+    if (own < 0)
+        return peers;
+    std::lock_guard<std::mutex> lock(s_pendingMutex);
+    std::set<int> pids{ own };
+    for (ObdParameterUpdater* peer : s_pending) {
+        // Only updaters of this thread: none of them can be deleted while
+        // this exchange runs, and no other thread locks two updaters.
+        if (peer == this || peer->thread() != QThread::currentThread() || peer->m_proxy.load() != proxy)
+            continue;
+        std::unique_lock<std::mutex> peerLock(peer->m_mutex);
+        const int pid = sharedPid(peer->m_parameter);
+        if (peer->m_cancelled.load() || peer->m_prepared || pid < 0 || !pids.insert(pid).second)
+            continue;
+        peerLock.release();
+        peers.push_back(peer);
+    }
+    for (ObdParameterUpdater* peer : peers)
+        s_pending.erase(std::remove(s_pending.begin(), s_pending.end(), peer), s_pending.end());
+    return peers;
+}
+
+void ObdParameterUpdater::readTogether(IObdProxy* proxy, const std::vector<ObdParameterUpdater*>& peers,
+                                       bool& success)
+{
+    std::vector<LiveReader::Item> items;
+    items.emplace_back(static_cast<unsigned char>(sharedPid(m_parameter)), m_parameter);
+    for (ObdParameterUpdater* peer : peers)
+        items.emplace_back(static_cast<unsigned char>(sharedPid(peer->m_parameter)), peer->m_parameter);
+    QElapsedTimer stopwatch;
+    stopwatch.start();
+    std::vector<bool> good;
+    {
+        std::shared_ptr<SharedReader> shared = readerFor(proxy);
+        std::lock_guard<std::mutex> readerLock(shared->mutex);
+        const unsigned int before = shared->reader.exchanges();
+        good = shared->reader.read(items);
+        OBD_DEBUG << items.size() << " PIDs in " << shared->reader.exchanges() - before << " exchanges";
+    }
+    const qint64 elapsed = stopwatch.elapsed();
+    success = good[0];
+    counted(elapsed);
+    for (size_t i = 0; i < peers.size(); ++i) {
+        ObdParameterUpdater* peer = peers[i];
+        peer->m_prepared = true;
+        peer->m_preparedResult = good[i + 1];
+        peer->counted(elapsed);
+        peer->m_mutex.unlock();
+    }
+}
+
 void ObdParameterUpdater::update()
 {
     std::lock_guard<std::mutex> lock(m_mutex);
+    forgetPending(this);
     bool success = false;
     IObdProxy* proxy = m_proxy.load();
-    if (!m_cancelled.load() && proxy && m_parameter && proxy->isInitialized()) {
-        QElapsedTimer stopwatch;
-        stopwatch.start();
-        ExchangeResult result = ObdTransporter().execute(proxy, m_parameter);
-        success = (result == ER_OK);
-        ++m_updateCount;
-        m_averageUpdateTime = nextAverage(m_averageUpdateTime, stopwatch.elapsed(), m_updateCount);
+    if (m_prepared) {
+        m_prepared = false;
+        success = m_preparedResult;
+    } else if (!m_cancelled.load() && proxy && m_parameter && proxy->isInitialized()) {
+        const std::vector<ObdParameterUpdater*> peers = claimPeers(proxy);
+        if (!peers.empty()) {
+            readTogether(proxy, peers, success);
+        } else {
+            QElapsedTimer stopwatch;
+            stopwatch.start();
+            ExchangeResult result = ObdTransporter().execute(proxy, m_parameter);
+            success = (result == ER_OK);
+            counted(stopwatch.elapsed());
+        }
     }
     OBD_TSAN_RELEASE(this);
     emit updateDone(success);
@@ -107,6 +261,7 @@ void ObdParameterUpdater::dispose(ObdParameterUpdater* updater, ObdParameter* pa
         return;
     }
     updater->cancel();
+    forgetPending(updater);
     // Receivers drop their side of the connections here, on this thread,
     // rather than racing the updater's destruction on the worker.
     QObject::disconnect(updater, nullptr, nullptr, nullptr);

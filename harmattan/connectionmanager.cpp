@@ -3,6 +3,7 @@
 #include "adapteraddress.h"
 #include "iobdproxy.h"
 #include "iscantool.h"
+#include "obdparameterupdater.h"
 #include "obdproxy.h"
 #include "settingsmodel.h"
 #include "trlog.h"
@@ -269,6 +270,8 @@ void ConnectionManager::startOpenThread()
     m_attemptAbandoned = false;
     if (!m_connected)
         m_link.reset(new Obd::VehicleLink(m_proxy, this));
+    if (m_link)
+        m_link->setNoReset(m_settings->noReset());
     // The outcome arrives as connected() or failed().
     m_opening = QtConcurrent::run(&ConnectionManager::openThread, this);
 }
@@ -282,6 +285,8 @@ void ConnectionManager::openThread()
     // The one opening dialogue of the library; the link cleans up after a failure.
     switch (m_link->open(adapterAddress())) {
     case Obd::VehicleLink::VL_OK:
+        // What the last link taught the live reads does not hold for this one.
+        Obd::ObdParameterUpdater::forgetProxy(m_proxy);
         break;
     case Obd::VehicleLink::VL_NOT_IDENTIFIED:
         failOpening(FAILED_TO_IDENTIFY);
@@ -425,6 +430,7 @@ void ConnectionManager::closeLink()
         m_link.release();
         return;
     }
+    Obd::ObdParameterUpdater::forgetProxy(m_proxy);
     m_link->close();
 }
 

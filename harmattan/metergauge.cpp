@@ -2,6 +2,7 @@
 
 #include "trlog.h"
 
+#include <QImage>
 #include <QPainter>
 #include <QPropertyAnimation>
 #include <QTimer>
@@ -161,7 +162,14 @@ void MeterGauge::setValueAnimated(qreal value)
         disconnect(m_calibrationConnection);
         m_calibrating = false;
         emit calibrationFinished();
+        animateTo(value);
+        return;
     }
+    // The same reading again leaves a needle on its way (or there) alone.
+    const bool running = m_animation->state() == QAbstractAnimation::Running;
+    if (running ? m_animation->endValue().toFloat() == static_cast<float>(value)
+                : static_cast<float>(m_value) == static_cast<float>(value))
+        return;
     animateTo(value);
 }
 
@@ -219,7 +227,48 @@ void MeterGauge::geometryChange(const QRectF& newGeometry, const QRectF& oldGeom
     geometryChanged(newGeometry, oldGeometry);
 }
 
+bool MeterGauge::isGreyed() const
+{
+    return m_greyed;
+}
+
+void MeterGauge::setGreyed(bool greyed)
+{
+    if (greyed == m_greyed)
+        return;
+    m_greyed = greyed;
+    update();
+    emit greyedChanged();
+}
+
 void MeterGauge::paint(QPainter* painter)
+{
+    if (!m_greyed) {
+        paintDial(painter);
+        return;
+    }
+    const qreal ratio = painter->device()->devicePixelRatioF();
+    QImage image((size() * ratio).toSize(), QImage::Format_ARGB32_Premultiplied);
+    if (image.isNull())
+        return;
+    image.setDevicePixelRatio(ratio);
+    image.fill(Qt::transparent);
+    {
+        QPainter offscreen(&image);
+        paintDial(&offscreen);
+    }
+    // Each pixel's lightness, dimmed, its coverage kept: no colour survives.
+    for (int y = 0; y < image.height(); ++y) {
+        QRgb* line = reinterpret_cast<QRgb*>(image.scanLine(y));
+        for (int x = 0; x < image.width(); ++x) {
+            const int grey = qGray(line[x]) * 3 / 5;
+            line[x] = qRgba(grey, grey, grey, qAlpha(line[x]));
+        }
+    }
+    painter->drawImage(QPointF(0, 0), image);
+}
+
+void MeterGauge::paintDial(QPainter* painter)
 {
     const QRectF dial = dialRect();
     if (dial.width() <= 0)

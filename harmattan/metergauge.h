@@ -26,6 +26,8 @@ class MeterGauge : public QQuickPaintedItem
     Q_PROPERTY(int endAngle READ endAngle WRITE setEndAngle NOTIFY scaleChanged)
     Q_PROPERTY(QString background READ background WRITE setBackground NOTIFY backgroundChanged)
     Q_PROPERTY(qreal value READ value WRITE setValue NOTIFY valueChanged)
+    // Drawn in dimmed greys: the value shown is stale.
+    Q_PROPERTY(bool greyed READ isGreyed WRITE setGreyed NOTIFY greyedChanged)
 
 public:
     static constexpr int ANIMATION_MS = 250;
@@ -45,6 +47,8 @@ public:
     QString background() const;
     void setBackground(const QString& background);
     qreal value() const;
+    bool isGreyed() const;
+    void setGreyed(bool greyed);
 
     // The needle's angle for a value, in degrees.
     qreal angleFor(qreal value) const;
@@ -68,6 +72,7 @@ signals:
     void scaleChanged();
     void backgroundChanged();
     void valueChanged();
+    void greyedChanged();
     void calibrationFinished();
 
 protected:
@@ -75,6 +80,7 @@ protected:
 
 private:
     void animateTo(qreal value);
+    void paintDial(QPainter* painter);
     void rasterise();
     QRectF dialRect() const;
 
@@ -93,6 +99,7 @@ private:
     qreal m_pivotY;
     bool m_drawShadow;
     bool m_calibrating;
+    bool m_greyed = false;
     QPropertyAnimation* m_animation;
     QMetaObject::Connection m_calibrationConnection;
 };

@@ -16,6 +16,10 @@ const char* const SettingsModel::KEY_SERIAL_DEVICE = "connectivity/serialDevice"
 const char* const SettingsModel::KEY_SERIAL_BAUD_RATE = "connectivity/serialBaudRate";
 const char* const SettingsModel::KEY_UNIT_SYSTEM = "display/unitSystem";
 const char* const SettingsModel::OLD_KEY_UNIT_SYSTEM = "unitSystem";
+const char* const SettingsModel::KEY_NO_RESET = "connectivity/noReset";
+const char* const SettingsModel::KEY_GAUGE_PIDS[2] = { "display/firstGaugePid", "display/secondGaugePid" };
+// Engine speed and vehicle speed, on their printed dials.
+const int SettingsModel::DEFAULT_GAUGE_PIDS[2] = { 0x0C, 0x0D };
 
 const char* const SettingsModel::DEFAULT_BLUETOOTH_DEVICE_NAME = "None";
 const char* const SettingsModel::DEFAULT_BLUETOOTH_DEVICE_ADDRESS = "00:00:00:00:00:00";
@@ -35,6 +39,8 @@ SettingsModel::SettingsModel(QObject* parent)
     , m_serialDevice(DEFAULT_SERIAL_DEVICE)
     , m_serialBaudRate(DEFAULT_SERIAL_BAUD_RATE)
     , m_unitSystem(US_METRIC)
+    , m_noReset(false)
+    , m_gaugePids{ DEFAULT_GAUGE_PIDS[0], DEFAULT_GAUGE_PIDS[1] }
 {
     QSettings settings;
     if (settings.contains(KEY_CONNECTION_METHOD))
@@ -57,6 +63,40 @@ SettingsModel::SettingsModel(QObject* parent)
     }
     if (settings.value(KEY_UNIT_SYSTEM).toInt() == US_IMPERIAL)
         m_unitSystem = US_IMPERIAL;
+    m_noReset = settings.value(KEY_NO_RESET, false).toBool();
+    for (int i = 0; i < 2; ++i) {
+        const int pid = settings.value(KEY_GAUGE_PIDS[i], DEFAULT_GAUGE_PIDS[i]).toInt();
+        if (pid > 0 && pid <= 0xFF)
+            m_gaugePids[i] = pid;
+    }
+}
+
+bool SettingsModel::noReset() const
+{
+    return m_noReset;
+}
+
+int SettingsModel::gaugePid(int gauge) const
+{
+    return gauge == 0 || gauge == 1 ? m_gaugePids[gauge] : 0;
+}
+
+void SettingsModel::setNoReset(bool noReset)
+{
+    if (noReset == m_noReset)
+        return;
+    m_noReset = noReset;
+    QSettings().setValue(KEY_NO_RESET, noReset);
+    emit noResetChanged();
+}
+
+void SettingsModel::setGaugePid(int gauge, int pid)
+{
+    if ((gauge != 0 && gauge != 1) || pid <= 0 || pid > 0xFF || m_gaugePids[gauge] == pid)
+        return;
+    m_gaugePids[gauge] = pid;
+    QSettings().setValue(KEY_GAUGE_PIDS[gauge], pid);
+    emit gaugePidsChanged();
 }
 
 int SettingsModel::connectionMethod() const

@@ -19,6 +19,7 @@ class SettingsModel : public QObject
     Q_PROPERTY(QString serialDevice READ serialDevice WRITE setSerialDevice NOTIFY serialDeviceChanged)
     Q_PROPERTY(QString serialBaudRate READ serialBaudRate WRITE setSerialBaudRate NOTIFY serialBaudRateChanged)
     Q_PROPERTY(int unitSystem READ unitSystem WRITE setUnitSystem NOTIFY unitSystemChanged)
+    Q_PROPERTY(bool noReset READ noReset WRITE setNoReset NOTIFY noResetChanged)
 
 public:
     enum ConnectionMethod { CM_BLUETOOTH = 0, CM_WIFI = 1, CM_SERIAL = 2 };
@@ -31,6 +32,10 @@ public:
     static const char* const KEY_SERIAL_DEVICE;
     static const char* const KEY_SERIAL_BAUD_RATE;
     static const char* const KEY_UNIT_SYSTEM;
+    static const char* const KEY_NO_RESET;
+    // One key per dashboard gauge: the service 01 PID it shows.
+    static const char* const KEY_GAUGE_PIDS[2];
+    static const int DEFAULT_GAUGE_PIDS[2];
     // Where the live-data screen kept the unit choice before; moved on first read.
     static const char* const OLD_KEY_UNIT_SYSTEM;
 
@@ -55,6 +60,10 @@ public:
     QString serialBaudRate() const;
     // An Obd::UnitSystem: metric or imperial, for every screen.
     int unitSystem() const;
+    // The adapter is opened with a warm start instead of ATZ.
+    bool noReset() const;
+    // The PID of dashboard gauge 0 or 1.
+    int gaugePid(int gauge) const;
     // The rate a baud rate text stands for (0: detect); 0 too for a text that is none.
     static unsigned int baudRate(const QString& text);
     static bool isBaudRate(const QString& text);
@@ -68,6 +77,9 @@ public:
     void setSerialBaudRate(const QString& rate);
     // Anything but metric or imperial is ignored.
     void setUnitSystem(int unitSystem);
+    void setNoReset(bool noReset);
+    // A gauge other than 0 or 1, or a PID outside 0x01..0xFF, is ignored.
+    void setGaugePid(int gauge, int pid);
 
     Q_INVOKABLE bool isValid() const;
 
@@ -80,6 +92,8 @@ signals:
     void serialDeviceChanged();
     void serialBaudRateChanged();
     void unitSystemChanged();
+    void noResetChanged();
+    void gaugePidsChanged();
 
 private:
     int m_connectionMethod;
@@ -90,6 +104,8 @@ private:
     QString m_serialDevice;
     QString m_serialBaudRate;
     int m_unitSystem;
+    bool m_noReset;
+    int m_gaugePids[2];
 };
 
 } // namespace Obd

@@ -70,6 +70,7 @@ bool LiveReader::exchange(const std::string& command, unsigned int expected, std
         return !response.empty();
     };
     m_timingBlamed = false;
+    m_silent = false;
     if (expected > 0 && expected <= 0xF && !m_countRejected) {
         const auto start = std::chrono::steady_clock::now();
         if (send(command + hexByte(expected).substr(1))) {
@@ -77,10 +78,18 @@ bool LiveReader::exchange(const std::string& command, unsigned int expected, std
             text.assign(response.begin(), response.end());
             return true;
         }
+        IScantool* scantool = m_proxy->getScantool();
+        // An adapter that said nothing at all, or a link gone, blames
+        // neither the count nor the timing: asking again would only wait again.
+        const ScantoolError::Status status = scantool ? scantool->lastError().status : ScantoolError::SE_NONE;
+        if (status == ScantoolError::SE_TIMEOUT || status == ScantoolError::SE_NOT_CONNECTED) {
+            m_silent = true;
+            text.clear();
+            return false;
+        }
         // "?" refuses the count itself. Anything else is first taken for an
         // answer that came after adaptive timing stopped listening; once that
         // is off, for the count.
-        IScantool* scantool = m_proxy->getScantool();
         const bool refused = scantool && scantool->lastError().word == "?";
         if (!refused && m_adaptive) {
             m_adaptive = false;
@@ -91,8 +100,10 @@ bool LiveReader::exchange(const std::string& command, unsigned int expected, std
             OBD_INFO << "The adapter refuses the number of answers to expect";
             m_countRejected = true;
         }
-    } else {
-        send(command);
+    } else if (!send(command)) {
+        IScantool* scantool = m_proxy->getScantool();
+        const ScantoolError::Status status = scantool ? scantool->lastError().status : ScantoolError::SE_NONE;
+        m_silent = status == ScantoolError::SE_TIMEOUT || status == ScantoolError::SE_NOT_CONNECTED;
     }
     text.assign(response.begin(), response.end());
     return !text.empty();
@@ -109,6 +120,18 @@ unsigned int LiveReader::expectedAnswers(const std::vector<unsigned char>& pids)
     return count;
 }
 
+// Why nothing came, for the screens: the adapter's word or the silence.
+void LiveReader::failed(ObdParameter* parameter) const
+{
+    IScantool* scantool = m_proxy->getScantool();
+    const ScantoolError error = scantool ? scantool->lastError() : ScantoolError();
+    if (error.status == ScantoolError::SE_ERROR_WORD)
+        parameter->setExchangeStatus(READ_ADAPTER_ERROR, error.text());
+    else
+        parameter->setExchangeStatus(READ_TIMEOUT, error.status == ScantoolError::SE_NOT_CONNECTED
+                                         ? "the link to the adapter was lost" : "no answer in time");
+}
+
 bool LiveReader::readSingle(const Item& item)
 {
     ObdTransporter transporter;
@@ -122,15 +145,20 @@ bool LiveReader::readSingle(const Item& item)
     std::vector<unsigned char> request;
     item.second->getRequest(m_protocol, request);
     std::string text;
-    if (!exchange(ObdTransporter::commandText(request), expected, text))
+    item.second->beginExchange();
+    if (!exchange(ObdTransporter::commandText(request), expected, text)) {
+        failed(item.second);
         return false;
+    }
     return isCanProtocol(m_protocol) ? transporter.parseCanResponse(m_protocol, text, item.second)
                                      : transporter.parseNonCanResponse(m_protocol, text, item.second);
 }
 
-void LiveReader::readGroup(const std::vector<Item>& group, std::vector<Item>& missed)
+bool LiveReader::readGroup(const std::vector<Item>& group, std::vector<Item>& missed)
 {
     MultiPidRequest request(group);
+    for (const Item& item : group)
+        item.second->beginExchange();
     std::vector<unsigned char> bytes;
     request.getRequest(m_protocol, bytes);
     const std::vector<unsigned char> pids(bytes.begin() + 1, bytes.end());
@@ -139,7 +167,11 @@ void LiveReader::readGroup(const std::vector<Item>& group, std::vector<Item>& mi
         ObdTransporter().parseCanResponse(m_protocol, text, &request);
     } else if (m_timingBlamed) {
         missed = group; // the ECUs are not to blame: asked alone this once
-        return;
+        return true;
+    } else if (m_silent) {
+        for (const Item& item : group)
+            failed(item.second);
+        return false;
     }
 
     std::vector<EcuPtr> ecus;
@@ -161,6 +193,7 @@ void LiveReader::readGroup(const std::vector<Item>& group, std::vector<Item>& mi
         if (incomplete.count(item.first))
             missed.push_back(item);
     }
+    return true;
 }
 
 std::vector<bool> LiveReader::read(const std::vector<Item>& items)
@@ -201,7 +234,8 @@ std::vector<bool> LiveReader::read(const std::vector<Item>& items)
             for (size_t i = from; i < std::min(shared.size(), from + MultiPidRequest::MAX_PIDS); ++i)
                 group.push_back(items[shared[i]]);
             std::vector<Item> missed;
-            readGroup(group, missed);
+            if (!readGroup(group, missed))
+                continue; // nothing came: each item stays unread
             for (size_t i = from; i < std::min(shared.size(), from + MultiPidRequest::MAX_PIDS); ++i) {
                 const bool lost = std::any_of(missed.begin(), missed.end(),
                                               [&](const Item& m) { return m.first == items[shared[i]].first; });

@@ -38,8 +38,10 @@ private:
     bool sendAt(const std::string& command);
     void measured(double ms);
     unsigned int expectedAnswers(const std::vector<unsigned char>& pids) const;
+    void failed(ObdParameter* parameter) const;
     bool readSingle(const Item& item);
-    void readGroup(const std::vector<Item>& group, std::vector<Item>& missed);
+    // False when nothing came back at all (items left unread, no ECU blamed).
+    bool readGroup(const std::vector<Item>& group, std::vector<Item>& missed);
 
     IObdProxy* m_proxy;
     bool m_tuned;
@@ -47,6 +49,7 @@ private:
     bool m_adaptive = false;
     bool m_timingBlamed = false;
     bool m_countRejected = false;
+    bool m_silent = false;
     unsigned int m_exchanges = 0;
     unsigned int m_timeoutSetting = 0;
     unsigned int m_protocol = 0;

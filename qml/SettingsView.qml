@@ -1,8 +1,8 @@
 import QtQuick
 import QtQuick.Controls.Basic
 
-// Connection settings: how the adapter is reached and where it is; and the
-// units every screen shows.
+// Connection settings: how the adapter is reached, where it is and whether
+// it may be reset; the units every screen shows and the dashboard's gauges.
 ZPage {
     id: page
 
@@ -18,6 +18,11 @@ ZPage {
     property string serialDeviceError
     property string serialBaudRateError
     property string unitSystemText: "metric"
+    property bool noReset: false
+    // Each {pid, text}; the two gauges' PIDs.
+    property var gaugeChoices: []
+    property int firstGaugePid: 12
+    property int secondGaugePid: 13
 
     signal connectionMethodChanged(string method)
     // ipAddress and ipPort already own the ...Changed() signal names.
@@ -27,6 +32,8 @@ ZPage {
     signal serialDeviceEdited(string device)
     signal serialBaudRateEdited(string rate)
     signal unitSystemChanged(string units)
+    signal noResetToggled(bool noReset)
+    signal gaugeChosen(int gauge, int pid)
 
     title: "Settings"
 
@@ -82,6 +89,33 @@ ZPage {
             color: Theme.surfaceRaised
             border.width: field.activeFocus || field.invalid ? 2 : 1
             border.color: field.invalid ? Theme.danger : field.activeFocus ? Theme.accent : Theme.divider
+        }
+    }
+
+    component GaugeChoice: ComboBox {
+        id: choice
+        property int gauge
+        property int pid
+        width: parent.width
+        height: 52
+        model: page.gaugeChoices
+        textRole: "text"
+        valueRole: "pid"
+        currentIndex: indexOfValue(pid)
+        onActivated: page.gaugeChosen(gauge, currentValue)
+        font.pixelSize: Theme.fontNormal
+        background: Rectangle {
+            radius: Theme.radius
+            color: choice.pressed ? Theme.pressed : Theme.surfaceRaised
+            border.color: Theme.divider
+        }
+        contentItem: Text {
+            leftPadding: 14
+            text: choice.displayText
+            color: Theme.text
+            font.pixelSize: Theme.fontNormal
+            verticalAlignment: Text.AlignVCenter
+            elide: Text.ElideRight
         }
     }
 
@@ -325,6 +359,45 @@ ZPage {
                     selected: page.unitSystemText === "imperial"
                     onClicked: page.unitSystemChanged("imperial")
                 }
+            }
+
+            Item { width: 1; height: 8 }
+
+            SectionLabel { text: "Dashboard gauges" }
+            FieldLabel { text: "Upper gauge" }
+            GaugeChoice {
+                objectName: "firstGaugeChoice"
+                gauge: 0
+                pid: page.firstGaugePid
+            }
+            FieldLabel { text: "Lower gauge" }
+            GaugeChoice {
+                objectName: "secondGaugeChoice"
+                gauge: 1
+                pid: page.secondGaugePid
+            }
+
+            Item { width: 1; height: 8 }
+
+            SectionLabel { text: "Adapter" }
+            Switch {
+                id: noResetSwitch
+                objectName: "noResetSwitch"
+                width: parent.width
+                checked: page.noReset
+                onToggled: page.noResetToggled(checked)
+                contentItem: Text {
+                    leftPadding: noResetSwitch.indicator.width + 12
+                    text: "Do not reset the adapter"
+                    color: Theme.text
+                    font.pixelSize: Theme.fontNormal
+                    verticalAlignment: Text.AlignVCenter
+                }
+            }
+            FieldLabel {
+                width: parent.width
+                wrapMode: Text.WordWrap
+                text: "For adapters that drop the link when reset: the connection opens with a warm start."
             }
         }
     }

@@ -6,16 +6,15 @@
 
 #include <QObject>
 #include <QPointer>
+#include <QString>
 
 class QTimer;
 
 namespace Obd {
 class ConsumptionGauge;
-class EngineRpm;
-class NumericGauge;
+class MeasurableParameter;
 class SettingsModel;
 class ObdParameterUpdater;
-class VehicleSpeed;
 class WorkerThread;
 }
 
@@ -24,15 +23,21 @@ namespace Harmattan {
 class ConnectionManager;
 class MeterGauge;
 
-// The dashboard: engine speed and vehicle speed four times a second on the
-// two meters, and the fuel-consumption estimate; the readouts follow the
-// metric/imperial setting, the speed dial is printed in km/h.
+// The dashboard: two gauges, engine speed and vehicle speed on their round
+// meters unless the settings chose other PIDs (shown as value, unit and a
+// bar over the PID's range), read as fast as the adapter answers, and the
+// fuel-consumption estimate. Readouts follow the metric/imperial setting;
+// the meters are printed in rpm and km/h. A gauge whose value is not fresh
+// (link lost, read failed) is greyed.
 class DashboardViewModel : public QObject, public IViewModel
 {
     Q_OBJECT
 
 public:
-    static constexpr int REFRESH_MS = 250;
+    static constexpr int GAUGES = 2;
+    // Each gauge has at most one request in flight, so this only bounds a
+    // fast adapter.
+    static constexpr int REFRESH_MS = 100;
     // Leaves the meters time for their calibration sweep.
     static constexpr int START_DELAY_MS = 1000;
 
@@ -44,8 +49,10 @@ public:
     void setContext(QQmlContext* context) override;
 
     bool isRefreshing() const;
-    // Requests sent to either updater so far (for tests).
+    // Requests sent to the gauges' updaters so far, and readings that came.
     int requestCount() const;
+    int valueCount() const;
+    int gaugePid(int gauge) const;
 
 signals:
     // With every engine-speed reading; feeds the NumericGauge "rpmReadout".
@@ -56,15 +63,31 @@ public slots:
     void onDisconnected();
     void onViewDestroyed();
     void onStartUpdate();
-    void onRpmUpdated(bool success);
-    void onSpeedUpdated(bool success);
 
 private slots:
     void startRefresh();
     void showUnits();
+    void choosePids();
 
 private:
+    struct Gauge
+    {
+        int pid = 0;
+        Obd::MeasurableParameter* parameter = nullptr;
+        Obd::ObdParameterUpdater* updater = nullptr;
+        // At most one request in flight: a slow link is not flooded and the
+        // parameter is never read while the worker writes it.
+        bool inFlight = false;
+        bool fresh = false;
+        QPointer<QObject> item;
+        QPointer<MeterGauge> meter;
+    };
+
     void stopRefresh();
+    void setPid(int gauge, int pid);
+    void showGauge(int gauge);
+    void showFresh(int gauge, bool fresh);
+    void onGaugeUpdated(int gauge, bool success);
 
     QPointer<QObject> m_view;
     ConnectionManager* m_connectionManager;
@@ -74,18 +97,10 @@ private:
     bool m_hasEcu;
     Obd::WorkerThread* m_workerThread;
     bool m_connected;
-    QPointer<MeterGauge> m_rpmGauge;
-    Obd::EngineRpm* m_rpmParameter;
-    Obd::ObdParameterUpdater* m_rpmUpdater;
-    // At most one request per meter in flight: a slow link is not flooded
-    // and a parameter is never read while the worker writes it.
-    bool m_rpmInFlight;
-    QPointer<MeterGauge> m_speedGauge;
-    Obd::VehicleSpeed* m_speedParameter;
-    Obd::ObdParameterUpdater* m_speedUpdater;
-    bool m_speedInFlight;
+    Gauge m_gauges[GAUGES];
     QPointer<Obd::ConsumptionGauge> m_consumptionGauge;
     int m_requestCount;
+    int m_valueCount;
 };
 
 } // namespace Harmattan

@@ -1,12 +1,19 @@
 #include "settingsviewmodel.h"
 
+#include "measurableparameter.h"
 #include "navigationmodel.h"
+#include "powertrain/parameterfactory.h"
+#include "sensorinfo.h"
 #include "settingsmodel.h"
 #include "unitsystem.h"
+
+#include <memory>
+#include <vector>
 
 #include <QRegularExpression>
 #include <QStringList>
 #include <QVariant>
+#include <QVariantMap>
 
 namespace Harmattan {
 
@@ -83,6 +90,8 @@ SettingsViewModel::SettingsViewModel(Obd::SettingsModel* settings,
             &SettingsViewModel::updateSerial);
     connect(m_settings, &Obd::SettingsModel::unitSystemChanged, this,
             &SettingsViewModel::updateUnitSystem);
+    connect(m_settings, &Obd::SettingsModel::gaugePidsChanged, this, &SettingsViewModel::updateGauges);
+    connect(m_settings, &Obd::SettingsModel::noResetChanged, this, &SettingsViewModel::updateNoReset);
 }
 
 void SettingsViewModel::setView(QObject* view)
@@ -102,6 +111,9 @@ void SettingsViewModel::setView(QObject* view)
     setViewProperty("serialDeviceError", QString());
     setViewProperty("serialBaudRateError", QString());
     updateUnitSystem();
+    setViewProperty("gaugeChoices", gaugeChoices());
+    updateGauges();
+    updateNoReset();
 
     connect(m_view, &QObject::destroyed, this, &SettingsViewModel::onViewDestroyed);
     connect(m_view, SIGNAL(connectionMethodChanged(QString)), this,
@@ -116,6 +128,52 @@ void SettingsViewModel::setView(QObject* view)
             SLOT(onViewSerialBaudRateChanged(QString)));
     connect(m_view, SIGNAL(unitSystemChanged(QString)), this,
             SLOT(onViewUnitSystemChanged(QString)));
+    connect(m_view, SIGNAL(gaugeChosen(int,int)), this, SLOT(onViewGaugeChosen(int,int)));
+    connect(m_view, SIGNAL(noResetToggled(bool)), this, SLOT(onViewNoResetToggled(bool)));
+}
+
+QVariantList SettingsViewModel::gaugeChoices()
+{
+    QVariantList choices;
+    for (unsigned char pid : Obd::ParameterFactory::knownPids()) {
+        if (pid % 0x20 == 0)
+            continue; // the ranges of supported PIDs
+        std::unique_ptr<Obd::PowertrainParameter> parameter(Obd::ParameterFactory::create(pid));
+        std::vector<Obd::SensorInfo*> infos;
+        if (!dynamic_cast<Obd::MeasurableParameter*>(parameter.get()))
+            continue;
+        parameter->getSensorInfos(infos);
+        if (infos.empty())
+            continue;
+        QVariantMap choice;
+        choice.insert(QStringLiteral("pid"), int(pid));
+        choice.insert(QStringLiteral("text"), QStringLiteral("%1 %2")
+                          .arg(int(pid), 2, 16, QLatin1Char('0')).toUpper()
+                          .arg(QString::fromStdString(parameter->getName())));
+        choices.append(choice);
+    }
+    return choices;
+}
+
+void SettingsViewModel::onViewGaugeChosen(int gauge, int pid)
+{
+    m_settings->setGaugePid(gauge, pid);
+}
+
+void SettingsViewModel::onViewNoResetToggled(bool noReset)
+{
+    m_settings->setNoReset(noReset);
+}
+
+void SettingsViewModel::updateGauges()
+{
+    setViewProperty("firstGaugePid", m_settings->gaugePid(0));
+    setViewProperty("secondGaugePid", m_settings->gaugePid(1));
+}
+
+void SettingsViewModel::updateNoReset()
+{
+    setViewProperty("noReset", m_settings->noReset());
 }
 
 void SettingsViewModel::setContext(QQmlContext*)

@@ -6,6 +6,7 @@
 #include <QObject>
 #include <QPointer>
 #include <QString>
+#include <QVariantList>
 
 namespace Obd {
 class SettingsModel;
@@ -16,7 +17,8 @@ namespace Harmattan {
 class NavigationModel;
 
 // The settings screen: connection method, Bluetooth device, IP address and
-// port, serial device and baud rate, and metric or imperial units. Input is checked before it reaches the settings model.
+// port, serial device and baud rate, whether the adapter is reset, metric or
+// imperial units and the dashboard's two gauges. Input is checked before it reaches the settings model.
 class SettingsViewModel : public QObject, public IViewModel
 {
     Q_OBJECT
@@ -42,6 +44,9 @@ public:
 
     static QString methodText(int method);
     static QString unitSystemText(int unitSystem);
+    // The PIDs a dashboard gauge can show, each {pid, text: "0C Engine RPM"}:
+    // every live PID with a number.
+    static QVariantList gaugeChoices();
 
 public slots:
     void onViewConnectionMethodChanged(QString method);
@@ -50,6 +55,8 @@ public slots:
     void onViewSerialDeviceChanged(QString device);
     void onViewSerialBaudRateChanged(QString rate);
     void onViewUnitSystemChanged(QString units);
+    void onViewGaugeChosen(int gauge, int pid);
+    void onViewNoResetToggled(bool noReset);
     void onShowBluetoothSearch();
     void onViewDestroyed();
 
@@ -60,6 +67,8 @@ private slots:
     void updateBluetoothDevice();
     void updateSerial();
     void updateUnitSystem();
+    void updateGauges();
+    void updateNoReset();
 
 private:
     void setViewProperty(const char* name, const QVariant& value);

@@ -1,11 +1,13 @@
 #include "connectionmanager.h"
 #include "metergauge.h"
 #include "navigationmodel.h"
+#include "settingsmodel.h"
 #include "uiharness.h"
 #include "viewmodel/dashboardviewmodel.h"
 #include "zarvane.h"
 
 #include <QImage>
+#include <QQuickItem>
 #include <QtMath>
 
 #include <gtest/gtest.h>
@@ -35,6 +37,32 @@ double needleAt(const QImage& window, const MeterGauge* gauge, double value)
         amber += c.red() > 180 && c.blue() < 140 && c.red() - c.blue() > 90;
     }
     return double(amber) / samples;
+}
+
+// The PIDs of each service 01 request the simulator received, a trailing
+// responses-expected digit dropped.
+std::vector<std::vector<int>> liveRequests(const std::vector<std::string>& log)
+{
+    std::vector<std::vector<int>> requests;
+    for (std::string line : log) {
+        line.erase(std::remove(line.begin(), line.end(), ' '), line.end());
+        if (line.size() < 4 || line.compare(0, 2, "01") != 0)
+            continue;
+        line.resize(line.size() & ~size_t(1));
+        std::vector<int> pids;
+        for (size_t at = 2; at + 1 < line.size(); at += 2)
+            pids.push_back(std::stoi(line.substr(at, 2), nullptr, 16));
+        requests.push_back(pids);
+    }
+    return requests;
+}
+
+bool asked(const std::vector<std::string>& log, int pid)
+{
+    for (const std::vector<int>& pids : liveRequests(log))
+        if (std::find(pids.begin(), pids.end(), pid) != pids.end())
+            return true;
+    return false;
 }
 
 } // namespace
@@ -101,9 +129,7 @@ TEST_F(DashboardTest, NeedlesAndReadoutsShowTheVehicleWhileTheScreenIsOpen)
     // both stop with the screen.
     const int before = ui->app()->dashboardViewModel()->requestCount();
     EXPECT_TRUE(waitUntil([&] { return ui->app()->dashboardViewModel()->requestCount() >= before + 4; }, 5000));
-    EXPECT_TRUE(waitUntil([&] { const std::vector<std::string> log = sim->requestLog();
-                                return std::find(log.begin(), log.end(), "0110") != log.end(); }, READ_WAIT_MS))
-        << "no air-flow request";
+    EXPECT_TRUE(waitUntil([&] { return asked(sim->requestLog(), 0x10); }, READ_WAIT_MS)) << "no air-flow request";
     ui->picture("dashboard");
     ui->back();
     EXPECT_TRUE(waitUntil([&] { return !ui->app()->dashboardViewModel()->isRefreshing(); }, 5000));
@@ -153,4 +179,70 @@ TEST_F(DashboardTest, ANewReadingStartsFromWhereTheNeedleIs)
     for (double value : seen)
         EXPECT_TRUE(value >= std::min(midway, 1000.0) - 0.5 && value <= std::max(midway, 1000.0) + 0.5)
             << value << " outside " << midway << " .. 1000";
+}
+
+// Engine and vehicle speed go in one request where the bus carries several
+// PIDs (CAN); elsewhere one PID a request, as before.
+TEST_F(DashboardTest, BothGaugesShareARequestOnCanOnly)
+{
+    const struct { const char* profile; bool shared; } rows[] = { { "can11", true }, { "kwp", false } };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.profile);
+        TearDown();
+        ui.reset(new UiHarness());
+        ASSERT_TRUE(connectToSim(options(row.profile)));
+        ui->open(NavigationModel::DashboardView);
+        const int before = ui->app()->dashboardViewModel()->valueCount();
+        ASSERT_TRUE(waitUntil([&] { return ui->app()->dashboardViewModel()->valueCount() >= before + 6; }, READ_WAIT_MS));
+        bool together = false;
+        size_t widest = 0;
+        for (const std::vector<int>& pids : liveRequests(sim->requestLog())) {
+            widest = std::max(widest, pids.size());
+            together = together || (std::count(pids.begin(), pids.end(), 0x0C) && std::count(pids.begin(), pids.end(), 0x0D));
+        }
+        EXPECT_EQ(together, row.shared);
+        EXPECT_EQ(widest > 1, row.shared) << widest << " PIDs in one request";
+    }
+}
+
+// A gauge set to another PID shows its value, unit and share of the PID's
+// range; a gauge whose readings stop is greyed, in colour again when they
+// come back, and the screen says when the link is gone.
+TEST_F(DashboardTest, ChosenPidAndStaleValuesGreyed)
+{
+    ASSERT_TRUE(connectToSim());
+    ASSERT_TRUE(sim->profile().ecu(0x7E8)->supportsPid(1, 0x42));
+    ui->app()->settingsModel()->setGaugePid(1, 0x42);
+    QObject* page = ui->open(NavigationModel::DashboardView);
+    QObject* lower = page->findChild<QObject*>("secondGauge");
+    MeterGauge* rpm = page->findChild<MeterGauge*>("rpmGauge");
+    // Control module voltage: 0.001 V a count, 0 to 65.535 V.
+    const double volts = sim->profile().physicalValue(0x7E8, 0x42, 0.0);
+    ASSERT_GT(volts, 10.0);
+    ASSERT_TRUE(waitUntil([&] { return ui->text(page, "speedText") == QString::number(volts, 'f', 2); }, READ_WAIT_MS))
+        << ui->text(page, "speedText").toStdString();
+    EXPECT_EQ(lower->property("title").toString(), "Control module voltage");
+    EXPECT_EQ(lower->property("unit").toString(), "V");
+    EXPECT_NEAR(lower->property("share").toDouble(), volts / 65.535, 1e-3);
+    EXPECT_FALSE(page->findChild<QQuickItem*>("speedGauge")->isVisible()) << "no speed dial for a voltage";
+    ASSERT_TRUE(waitUntil([&] { return !rpm->property("greyed").toBool() && !rpm->isAnimating(); }, READ_WAIT_MS));
+    const double shown = rpm->value();
+    EXPECT_GT(needleAt(ui->view().grabWindow(), rpm, shown), 0.8) << "amber needle";
+    ui->picture("19d-dashboard-voltage");
+
+    sim->setSilent(true);
+    EXPECT_TRUE(waitUntil([&] { return rpm->property("greyed").toBool() && lower->property("greyed").toBool(); },
+                          READ_WAIT_MS));
+    EXPECT_EQ(needleAt(ui->view().grabWindow(), rpm, shown), 0.0) << "no colour left";
+    sim->setSilent(false);
+    EXPECT_TRUE(waitUntil([&] { return !rpm->property("greyed").toBool() && !lower->property("greyed").toBool(); },
+                          READ_WAIT_MS));
+
+    sim->stop();
+    ASSERT_TRUE(waitUntil([&] { return page->findChild<QQuickItem*>("staleText")->isVisible(); }, READ_WAIT_MS));
+    EXPECT_EQ(ui->text(page, "staleText"), "Not connected");
+    EXPECT_TRUE(rpm->property("greyed").toBool());
+    EXPECT_TRUE(lower->property("greyed").toBool());
+    ASSERT_TRUE(ui->settle());
+    ui->picture("19d-dashboard-lost");
 }
