@@ -1,10 +1,9 @@
-// Discovery time per simulator profile (in-process elmsim, TCP on the
-// loopback) and the resident memory of this process after discovery.
+// Discovery time per simulator profile (in-process elmsim, the library's
+// vehicle link over the loopback) and the resident memory of this process
+// after discovery.
 // Usage: bench_discovery [delay ms per OBD request, default 0] [profile...]
 // Prints its figures; asserts nothing.
 
-#include "iconnection.h"
-#include "iscantool.h"
 #include "linkopener.h"
 #include "profilecatalog.h"
 #include "simlink.h"
