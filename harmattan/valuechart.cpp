@@ -107,6 +107,16 @@ void ValueChart::addPoint(int series, double seconds, double value)
     update();
 }
 
+void ValueChart::setPoints(int series, const QVector<QPointF>& points)
+{
+    if (series < 0 || series >= m_series.size())
+        return;
+    m_series[series].points = points;
+    recount(m_series[series]);
+    emit samplesChanged();
+    update();
+}
+
 void ValueChart::addGap(int series)
 {
     addPoint(series, m_clock.elapsed() / 1000.0, std::numeric_limits<double>::quiet_NaN());
@@ -120,6 +130,7 @@ void ValueChart::recount(Series& series)
             continue;
         series.minimum = series.count ? std::min(series.minimum, point.y()) : point.y();
         series.maximum = series.count ? std::max(series.maximum, point.y()) : point.y();
+        series.current = point.y();
         ++series.count;
     }
 }

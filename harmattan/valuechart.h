@@ -44,6 +44,8 @@ public:
     void addSample(int series, double value);
     // A reading at a time of its own; NaN breaks the line.
     void addPoint(int series, double seconds, double value);
+    // A recording's readings at once.
+    void setPoints(int series, const QVector<QPointF>& points);
     // Breaks the line now (the link went).
     void addGap(int series);
 

@@ -289,7 +289,7 @@ void LiveDataViewModel::addFileSeries(int column)
     if (!m_file || !m_fileChart || column < 0 || column >= int(m_file->columns().size()))
         return;
     const Obd::CsvReader::Column& title = m_file->columns()[column];
-    QList<QPointF> points;
+    QVector<QPointF> points;
     bool any = false;
     for (const Obd::CsvReader::Row& row : m_file->rows()) {
         double value = std::numeric_limits<double>::quiet_NaN();
@@ -305,8 +305,7 @@ void LiveDataViewModel::addFileSeries(int column)
         return;
     }
     const int series = m_fileChart->addSeries(QString::fromStdString(title.name), QString::fromStdString(title.unit));
-    for (const QPointF& point : points)
-        m_fileChart->addPoint(series, point.x(), point.y());
+    m_fileChart->setPoints(series, points);
     m_fileCharted.append(column);
 }
 
