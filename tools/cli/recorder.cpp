@@ -102,11 +102,13 @@ int Recorder::run(const std::vector<unsigned char>& pids, const std::atomic<bool
     bool anyValue = false;
     unsigned long samples = 0;
     unsigned long gaps = 0;
+    auto over = [&] {
+        return interrupted || (m_options.durationS > 0 &&
+                               std::chrono::steady_clock::now() - start >= std::chrono::seconds(m_options.durationS));
+    };
     auto stop = [&] {
-        return interrupted || (m_session.isLost() && !m_options.reconnect) ||
-               (m_options.count > 0 && samples >= static_cast<unsigned long>(m_options.count)) ||
-               (m_options.durationS > 0 &&
-                std::chrono::steady_clock::now() - start >= std::chrono::seconds(m_options.durationS));
+        return over() || (m_session.isLost() && !m_options.reconnect) ||
+               (m_options.count > 0 && samples >= static_cast<unsigned long>(m_options.count));
     };
     auto progress = [&](const std::string& event) {
         if (!m_progress && event.empty())
@@ -134,7 +136,8 @@ int Recorder::run(const std::vector<unsigned char>& pids, const std::atomic<bool
             ++gaps;
             const auto lostAt = std::chrono::steady_clock::now();
             progress("link lost, reconnecting");
-            if (!m_session.reopen(m_options, interrupted))
+            // --duration also ends the waiting for the adapter.
+            if (!m_session.reopen(m_options, over))
                 break;
             const int gap = static_cast<int>(
                 std::chrono::duration<double>(std::chrono::steady_clock::now() - lostAt).count() + 0.5);

@@ -111,15 +111,15 @@ Session::Status Session::open(const Options& options,
     }
 }
 
-bool Session::reopen(const Options& options, const std::atomic<bool>& stop)
+bool Session::reopen(const Options& options, const std::function<bool()>& stop)
 {
     m_open = false;
     m_link.close();
-    for (int attempt = 0; !stop; ++attempt) {
+    for (int attempt = 0; !stop(); ++attempt) {
         const auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(Obd::VehicleLink::reconnectDelayMs(attempt));
-        while (!stop && std::chrono::steady_clock::now() < until)
+        while (!stop() && std::chrono::steady_clock::now() < until)
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        if (stop)
+        if (stop())
             break;
         std::string why;
         const Status status = open(options, [](const std::string&) {}, why);

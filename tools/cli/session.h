@@ -42,7 +42,11 @@ public:
     static void cancelOpening();
     // After a lost link: closes what is left of it and opens it again, with
     // Obd::VehicleLink::reconnectDelayMs() between attempts, until it opens (true) or stop is set.
-    bool reopen(const Options& options, const std::atomic<bool>& stop);
+    bool reopen(const Options& options, const std::atomic<bool>& stop)
+    {
+        return reopen(options, [&stop]() { return stop.load(); });
+    }
+    bool reopen(const Options& options, const std::function<bool()>& stop);
 
     Obd::IObdProxy* proxy() { return &m_proxy; }
     Obd::IScantool* scantool() { return m_link.scantool(); }
