@@ -83,8 +83,6 @@ int SettingsModel::gaugePid(int gauge) const
 
 void SettingsModel::setNoReset(bool noReset)
 {
-    if (noReset == m_noReset)
-        return;
     m_noReset = noReset;
     QSettings().setValue(KEY_NO_RESET, noReset);
     emit noResetChanged();
@@ -92,7 +90,7 @@ void SettingsModel::setNoReset(bool noReset)
 
 void SettingsModel::setGaugePid(int gauge, int pid)
 {
-    if ((gauge != 0 && gauge != 1) || pid <= 0 || pid > 0xFF || m_gaugePids[gauge] == pid)
+    if ((gauge != 0 && gauge != 1) || pid <= 0 || pid > 0xFF)
         return;
     m_gaugePids[gauge] = pid;
     QSettings().setValue(KEY_GAUGE_PIDS[gauge], pid);

@@ -20,6 +20,8 @@ class SettingsModel : public QObject
     Q_PROPERTY(QString serialBaudRate READ serialBaudRate WRITE setSerialBaudRate NOTIFY serialBaudRateChanged)
     Q_PROPERTY(int unitSystem READ unitSystem WRITE setUnitSystem NOTIFY unitSystemChanged)
     Q_PROPERTY(bool noReset READ noReset WRITE setNoReset NOTIFY noResetChanged)
+    Q_PROPERTY(int firstGaugePid READ firstGaugePid WRITE setFirstGaugePid NOTIFY gaugePidsChanged)
+    Q_PROPERTY(int secondGaugePid READ secondGaugePid WRITE setSecondGaugePid NOTIFY gaugePidsChanged)
 
 public:
     enum ConnectionMethod { CM_BLUETOOTH = 0, CM_WIFI = 1, CM_SERIAL = 2 };
@@ -64,6 +66,8 @@ public:
     bool noReset() const;
     // The PID of dashboard gauge 0 or 1.
     int gaugePid(int gauge) const;
+    int firstGaugePid() const { return gaugePid(0); }
+    int secondGaugePid() const { return gaugePid(1); }
     // The rate a baud rate text stands for (0: detect); 0 too for a text that is none.
     static unsigned int baudRate(const QString& text);
     static bool isBaudRate(const QString& text);
@@ -80,6 +84,8 @@ public:
     void setNoReset(bool noReset);
     // A gauge other than 0 or 1, or a PID outside 0x01..0xFF, is ignored.
     void setGaugePid(int gauge, int pid);
+    void setFirstGaugePid(int pid) { setGaugePid(0, pid); }
+    void setSecondGaugePid(int pid) { setGaugePid(1, pid); }
 
     Q_INVOKABLE bool isValid() const;
 

@@ -101,7 +101,14 @@ ZPage {
         model: page.gaugeChoices
         textRole: "text"
         valueRole: "pid"
-        currentIndex: indexOfValue(pid)
+        // Set, not bound: a choice of the user's replaces any binding, and a
+        // new model resets the index after its change handlers ran.
+        function showPid() {
+            const choices = page.gaugeChoices
+            currentIndex = choices.findIndex(c => c.pid === pid)
+        }
+        onPidChanged: Qt.callLater(showPid)
+        onModelChanged: Qt.callLater(showPid)
         onActivated: page.gaugeChosen(gauge, currentValue)
         font.pixelSize: Theme.fontNormal
         background: Rectangle {
@@ -120,6 +127,7 @@ ZPage {
     }
 
     Flickable {
+        objectName: "settingsForm"
         anchors.fill: parent
         contentHeight: form.implicitHeight + 2 * Theme.margin
         clip: true
@@ -384,11 +392,12 @@ ZPage {
                 id: noResetSwitch
                 objectName: "noResetSwitch"
                 width: parent.width
+                text: "Do not reset the adapter"
                 checked: page.noReset
                 onToggled: page.noResetToggled(checked)
                 contentItem: Text {
                     leftPadding: noResetSwitch.indicator.width + 12
-                    text: "Do not reset the adapter"
+                    text: noResetSwitch.text
                     color: Theme.text
                     font.pixelSize: Theme.fontNormal
                     verticalAlignment: Text.AlignVCenter

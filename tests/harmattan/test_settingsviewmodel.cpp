@@ -1,3 +1,4 @@
+#include "connectionmanager.h"
 #include "navigationmodel.h"
 #include "settingsmodel.h"
 #include "uiharness.h"
@@ -21,6 +22,7 @@ using Obd::SettingsModel;
 namespace {
 
 using SettingsViewTest = UiTest;
+using SettingsSimTest = SimUiTest;
 
 class SettingsModelTest : public ::testing::Test
 {
@@ -38,6 +40,9 @@ protected:
           "connectivity/defaultBluetoothDeviceAddress", "AA:BB:CC:DD:EE:FF" },
         { "ipAddress", &SettingsModel::ipAddressChanged, "connectivity/defaultIpAddress", "192.168.0.10" },
         { "ipPort", &SettingsModel::ipPortChanged, "connectivity/defaultIpPort", "35000" },
+        { "noReset", &SettingsModel::noResetChanged, "connectivity/noReset", "true" },
+        { "firstGaugePid", &SettingsModel::gaugePidsChanged, "display/firstGaugePid", "66" },
+        { "secondGaugePid", &SettingsModel::gaugePidsChanged, "display/secondGaugePid", "5" },
     };
 };
 
@@ -228,4 +233,47 @@ TEST_F(SettingsViewTest, TappingAFoundDeviceStoresItAndTheSettingsScreenShowsIt)
     ASSERT_TRUE(ui->settle());
     ASSERT_EQ(ui->currentPage()->property("title").toString(), "Settings");
     EXPECT_EQ(ui->text(ui->currentPage(), "bluetoothDeviceText"), "Vgate");
+}
+
+// The gauge lists offer every live PID with a number; a choice and the
+// reset switch reach the model, and the switch reaches the adapter.
+TEST_F(SettingsSimTest, GaugeChoiceAndResetSwitch)
+{
+    startSim();
+    QObject* page = ui->open(NavigationModel::SettingsView);
+    QObject* upper = page->findChild<QObject*>("firstGaugeChoice");
+    ASSERT_TRUE(upper);
+    EXPECT_EQ(upper->property("currentText").toString(), "0C Engine RPM");
+    const QVariantList choices = page->property("gaugeChoices").toList();
+    int voltage = -1;
+    for (int i = 0; i < choices.size(); ++i) {
+        const int pid = choices[i].toMap()["pid"].toInt();
+        EXPECT_TRUE(pid % 0x20 != 0 && pid != 0x01 && pid != 0x1C) << pid << ": no number to show";
+        voltage = pid == 0x42 ? i : voltage;
+    }
+    ASSERT_GE(voltage, 0);
+    upper->setProperty("currentIndex", voltage);
+    QMetaObject::invokeMethod(upper, "activated", Q_ARG(int, voltage));
+    EXPECT_EQ(ui->app()->settingsModel()->gaugePid(0), 0x42);
+
+    const struct { const char* name; bool tap; bool reset; } rows[] = {
+        { "reset by default", false, true }, { "switched on: warm start", true, false } };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        if (row.tap) {
+            QObject* form = page->findChild<QObject*>("settingsForm");
+            form->setProperty("contentY", form->property("contentHeight").toReal() - form->property("height").toReal());
+            ASSERT_TRUE(ui->settle());
+            ASSERT_TRUE(ui->tap(page, "noResetSwitch"));
+        }
+        EXPECT_EQ(ui->app()->settingsModel()->noReset(), !row.reset);
+        const size_t before = sim->requestLog().size();
+        ASSERT_TRUE(ui->app()->connectionManager()->openConnection());
+        ASSERT_TRUE(waitUntil([&] { return ui->app()->connectionManager()->isConnected(); }, CONNECT_WAIT_MS));
+        const std::vector<std::string> log = sim->requestLog();
+        EXPECT_EQ(std::count(log.begin() + before, log.end(), "ATZ") > 0, row.reset);
+        ui->app()->connectionManager()->closeConnection();
+    }
+    ASSERT_TRUE(ui->settle());
+    ui->picture("19d-settings");
 }
