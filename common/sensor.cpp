@@ -192,6 +192,11 @@ void Sensor::onUpdated(bool success)
     ObdParameterUpdater::resultReceived(m_updater);
     if (m_queued > 0)
         --m_queued;
+    m_refreshed = true;
+    m_readStatus = m_parameter ? m_parameter->readStatus(m_ecu.getId()) : ReadStatus();
+    // An update that ran no exchange (link gone) leaves the last statuses.
+    if (!success && m_readStatus.ok())
+        m_readStatus = ReadStatus{ READ_TIMEOUT, "the link to the adapter was lost" };
     if (success && m_parameter) {
         std::vector<std::string> metricValues;
         std::vector<std::string> imperialValues;

@@ -2,6 +2,7 @@
 #define OBD_SENSOR_H
 
 #include "ecu.h"
+#include "obdparameter.h"
 #include "unitsystem.h"
 
 #include <QList>
@@ -51,6 +52,11 @@ public:
     virtual void updated(bool success);
 
     int getIndex() const;
+    const Ecu& getEcu() const { return m_ecu; }
+    // Whether the last refresh read this sensor's ECU, and why not; state
+    // READ_NOT_ANSWERED with no reason before the first refresh came back.
+    ReadStatus getReadStatus() const { return m_readStatus; }
+    bool wasRefreshed() const { return m_refreshed; }
     bool isQueued() const;
     bool isActive() const;
     int getUpdateInterval() const;
@@ -77,6 +83,8 @@ private:
     QTimer* m_timer;
     int m_index;
     int m_queued;
+    ReadStatus m_readStatus;
+    bool m_refreshed = false;
 };
 
 } // namespace Obd

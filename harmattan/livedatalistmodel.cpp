@@ -1,5 +1,6 @@
 #include "livedatalistmodel.h"
 
+#include "dtcdatamodel.h"
 #include "iobdproxy.h"
 #include "measurableparameter.h"
 #include "monitorstatussensor.h"
@@ -40,6 +41,11 @@ QVariant LiveDataListModel::data(const QModelIndex& index, int role) const
     case NameRole:
         return sensor->getTitle();
     case ValueRole: {
+        // A failed read says why, as the trouble-code screens do.
+        if (sensor->wasRefreshed() && !sensor->getReadStatus().ok())
+            return QStringLiteral("could not read: ")
+                   + QString::fromStdString(Obd::DtcDataModel::describe(
+                         { Obd::DtcDataModel::failureOf(sensor->getEcu(), sensor->getReadStatus()) }));
         // Two-value PIDs read "value unit, value unit"; the unit column stays empty.
         QStringList texts;
         for (const Obd::SensorValue* value : values) {

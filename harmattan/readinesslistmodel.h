@@ -13,8 +13,9 @@ class ReadinessListModel : public QAbstractListModel
 
 public:
     enum Roles { EcuRole = Qt::UserRole + 1, TitleRole, ValueRole, StateRole };
-    // How a row is drawn: a monitor's three states, or a plain reading.
-    enum State { Complete = 0, Incomplete = 1, NotSupported = 2, Reading = 3 };
+    // How a row is drawn: a monitor's three states, a plain reading, or a
+    // read that failed.
+    enum State { Complete = 0, Incomplete = 1, NotSupported = 2, Reading = 3, Unread = 4 };
     Q_ENUM(State)
 
     struct Row

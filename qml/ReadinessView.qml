@@ -10,7 +10,7 @@ ZPage {
     property string verdict
     property bool ready: false
     readonly property bool stale: connectionStatus !== 2
-    readonly property var stateColors: [Theme.ok, Theme.danger, Theme.textDim, Theme.text]
+    readonly property var stateColors: [Theme.ok, Theme.danger, Theme.textDim, Theme.text, Theme.danger]
 
     objectName: "readinessView"
     title: "Readiness"

@@ -1,6 +1,7 @@
 #include "readinessviewmodel.h"
 
 #include "connectionmanager.h"
+#include "dtcdatamodel.h"
 #include "iobdproxy.h"
 #include "obdparameterupdater.h"
 #include "powertrain/monitorstatus.h"
@@ -30,6 +31,12 @@ const unsigned int FIRST_COMPRESSION = 10;
 const unsigned int LAST_COMPRESSION = 15;
 
 using Row = ReadinessListModel::Row;
+
+// "NO DATA (ECM 0x7E8)", as the trouble-code screens say it.
+QString cause(const Obd::Ecu& ecu, const Obd::ReadStatus& status)
+{
+    return QString::fromStdString(Obd::DtcDataModel::describe({ Obd::DtcDataModel::failureOf(ecu, status) }));
+}
 
 } // namespace
 
@@ -129,6 +136,7 @@ void ReadinessViewModel::read()
     qDeleteAll(m_counters);
     m_counters.clear();
     m_haveStatus = false;
+    m_statusDone = false;
     const Obd::UnitSystem units = static_cast<Obd::UnitSystem>(m_settings->unitSystem());
     for (const Obd::EcuPtr& ecu : ecus) {
         if (!ecu || !ecu->isSupported(1, 0x01))
@@ -156,6 +164,7 @@ void ReadinessViewModel::onStatusRead(bool success)
     Obd::ObdParameterUpdater::resultReceived(m_updater);
     m_inFlight = false;
     m_haveStatus = success;
+    m_statusDone = true;
     compose();
 }
 
@@ -163,10 +172,17 @@ void ReadinessViewModel::compose()
 {
     QVector<Row> rows;
     QStringList notReady;
+    std::vector<Obd::DtcDataModel::ReadFailure> failures;
     for (const Obd::Ecu& ecu : m_ecus) {
         const QString name = QString::fromStdString(ecu.getShortName());
         const QString header = QStringLiteral("%1 (0x%2)").arg(name, QString::number(ecu.getId(), 16).toUpper());
-        if (m_haveStatus) {
+        const Obd::ReadStatus status = m_status->readStatus(ecu.getId());
+        // An ECU whose answer did not come is unknown, never "lamp off".
+        if (m_statusDone && !(m_haveStatus && status.ok())) {
+            failures.push_back(Obd::DtcDataModel::failureOf(ecu, status));
+            rows.append({ header, "Monitors", QStringLiteral("could not read: ") + cause(ecu, status),
+                          ReadinessListModel::Unread });
+        } else if (m_haveStatus) {
             rows.append({ header, "Malfunction indicator lamp", m_status->isMilOn(ecu) ? "On" : "Off",
                           m_status->isMilOn(ecu) ? ReadinessListModel::Incomplete : ReadinessListModel::Reading });
             rows.append({ header, "Confirmed trouble codes", QString::number(m_status->getDtcCount(ecu)),
@@ -190,14 +206,25 @@ void ReadinessViewModel::compose()
         }
         for (const Obd::Sensor* counter : m_counters) {
             const QList<Obd::SensorValue*> values = counter->getValues();
-            if (counter->getEcuId() != ecu.getId() || values.isEmpty() || values.first()->getValue().isEmpty())
+            if (counter->getEcuId() != ecu.getId() || values.isEmpty())
+                continue;
+            if (counter->wasRefreshed() && !counter->getReadStatus().ok()) {
+                rows.append({ header, counter->getTitle(),
+                              QStringLiteral("could not read: ") + cause(ecu, counter->getReadStatus()),
+                              ReadinessListModel::Unread });
+                continue;
+            }
+            if (values.first()->getValue().isEmpty())
                 continue;
             rows.append({ header, counter->getTitle(),
                           (values.first()->getValue() + QLatin1Char(' ') + values.first()->getUnit()).trimmed(),
                           ReadinessListModel::Reading });
         }
     }
-    if (!m_haveStatus)
+    if (!failures.empty())
+        m_verdict = QStringLiteral("Could not read the monitors: ")
+                    + QString::fromStdString(Obd::DtcDataModel::describe(failures));
+    else if (!m_haveStatus)
         m_verdict = m_inFlight ? QStringLiteral("Reading the monitors...") : QString();
     else if (m_ecus.empty())
         m_verdict = QStringLiteral("No control unit reports its monitors");

@@ -68,6 +68,8 @@ private:
     Obd::ObdParameterUpdater* m_updater;
     bool m_inFlight;
     bool m_haveStatus;
+    // The last read of the monitors came back, well or not.
+    bool m_statusDone = false;
     bool m_connected;
     std::vector<Obd::Ecu> m_ecus;
     QList<Obd::Sensor*> m_counters;

@@ -1,10 +1,22 @@
 #include "scantoolinformationviewmodel.h"
 
+#include "elmtransport.h"
 #include "infolistviewdatamodel.h"
 #include "iobdproxy.h"
 #include "iscantool.h"
 
 namespace Harmattan {
+
+namespace {
+
+// The adapter's own words, control characters escaped; never an empty row.
+QString shown(const std::string& text)
+{
+    return text.empty() ? QStringLiteral("could not read: the adapter did not say")
+                        : QString::fromStdString(Obd::ElmTransport::escaped(text));
+}
+
+} // namespace
 
 ScantoolInformationViewModel::ScantoolInformationViewModel(ConnectionManager* connectionManager,
                                                            QObject* parent)
@@ -18,9 +30,9 @@ void ScantoolInformationViewModel::appendRows(Obd::IObdProxy* proxy, Obd::InfoLi
     if (!scantool)
         return;
     const Obd::DeviceInfo info = scantool->getDeviceInfo();
-    list->append("Scantool", QString::fromStdString(info.name));
-    list->append("Manufacturer", QString::fromStdString(info.description));
-    list->append("Version", QString::fromStdString(info.version));
+    list->append("Scantool", shown(info.name));
+    list->append("Manufacturer", shown(info.description));
+    list->append("Version", shown(info.version));
 }
 
 } // namespace Harmattan

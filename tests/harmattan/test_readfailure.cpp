@@ -2,7 +2,10 @@
 // adapter's word and the ECUs, and never show a clean car.
 
 #include "navigationmodel.h"
+#include "readinesslistmodel.h"
 #include "uiharness.h"
+#include "viewmodel/readinessviewmodel.h"
+#include "zarvane.h"
 
 #include <gtest/gtest.h>
 
@@ -42,6 +45,24 @@ TEST_P(TroubleCodeReadFailure, ErrorWordInsteadOfCodesIsShownAsCouldNotReadNever
     ASSERT_TRUE(list && ui->settle());
     EXPECT_EQ(ui->text(list, "emptyText"), "could not read: " + cause);
     EXPECT_EQ(list->property("listModelCount").toInt(), 0);
+}
+
+// The readiness screen says the same, per ECU, instead of a lamp and monitors.
+TEST_P(TroubleCodeReadFailure, ReadinessSaysWhyItCouldNotRead)
+{
+    ASSERT_TRUE(connectToSim());
+    sim->injectError(GetParam().word, 1000);
+    QObject* page = ui->open(NavigationModel::ReadinessView);
+    const QString cause = QString("%1 (ECM 0x7E8, TCM 0x7E9)").arg(GetParam().word);
+    ASSERT_TRUE(waitUntil([&] { return ui->text(page, "verdictText") == "Could not read the monitors: " + cause; },
+                          READ_WAIT_MS)) << ui->text(page, "verdictText").toStdString();
+    QStringList shown;
+    for (const Harmattan::ReadinessListModel::Row& row : ui->app()->readinessViewModel()->listModel()->rows())
+        shown << row.ecu + " " + row.title + ": " + row.value;
+    EXPECT_TRUE(shown.contains(QString("ECM (0x7E8) Monitors: could not read: %1 (ECM 0x7E8)").arg(GetParam().word)))
+        << shown.join(" | ").toStdString();
+    EXPECT_FALSE(shown.join(" ").contains("Malfunction indicator lamp")) << "no lamp state guessed";
+    ui->picture(QString("19d-readiness-%1").arg(GetParam().name));
 }
 
 INSTANTIATE_TEST_SUITE_P(AdapterWords, TroubleCodeReadFailure, ::testing::ValuesIn(ERROR_ROWS),
