@@ -89,8 +89,13 @@ bool LiveRecorder::records(int row) const
 void LiveRecorder::onValueUpdated(int row)
 {
     const Obd::Sensor* sensor = m_model->sensor(row);
-    if (sensor && isRecording())
+    if (!sensor || !isRecording())
+        return;
+    // A failed read keeps the last text in the sensor: not a reading.
+    if (sensor->getReadStatus().ok())
         m_seen.insert(key(sensor->getEcuId(), sensor->getPid()), m_clock.elapsed());
+    else
+        m_seen.remove(key(sensor->getEcuId(), sensor->getPid()));
 }
 
 void LiveRecorder::writeLine()

@@ -218,6 +218,11 @@ void LiveDataViewModel::onValueUpdated(int row)
     const int charted = chartedIndex(row);
     if (charted < 0 || !m_chart)
         return;
+    // A failed read breaks the line rather than repeating the last value.
+    if (!m_listModel->sensor(row)->getReadStatus().ok()) {
+        m_chart->addGap(charted);
+        return;
+    }
     bool number = false;
     const QList<Obd::SensorValue*> values = m_listModel->sensor(row)->getValues();
     const double value = values.isEmpty() ? 0.0 : values.first()->getValue().toDouble(&number);
