@@ -295,7 +295,19 @@ void DashboardViewModel::onGaugeUpdated(int index, bool success)
     Gauge& gauge = m_gauges[index];
     Obd::ObdParameterUpdater::resultReceived(gauge.updater);
     gauge.inFlight = false;
-    const bool read = success && m_hasEcu && gauge.parameter->isRead(m_ecu.getId());
+    // The first ECU that has the PID, the engine's for the defaults.
+    Obd::Ecu ecu = m_ecu;
+    Obd::IObdProxy* proxy = m_connectionManager->proxy();
+    std::vector<Obd::EcuPtr> ecus;
+    if (proxy && m_connected && !m_ecu.isSupported(1, static_cast<unsigned char>(gauge.pid)))
+        proxy->getEcus(ecus);
+    for (const Obd::EcuPtr& other : ecus) {
+        if (other && other->isSupported(1, static_cast<unsigned char>(gauge.pid))) {
+            ecu = *other;
+            break;
+        }
+    }
+    const bool read = success && m_hasEcu && gauge.parameter->isRead(ecu.getId());
     showFresh(index, read && m_connected);
     if (!read || !gauge.item)
         return;
@@ -304,9 +316,9 @@ void DashboardViewModel::onGaugeUpdated(int index, bool success)
     std::vector<float> metric;
     std::vector<float> shown;
     std::vector<std::string> texts;
-    gauge.parameter->getValues(m_ecu, Obd::US_METRIC, metric);
-    gauge.parameter->getValues(m_ecu, units, shown);
-    gauge.parameter->getFormattedValues(m_ecu, units, texts);
+    gauge.parameter->getValues(ecu, Obd::US_METRIC, metric);
+    gauge.parameter->getValues(ecu, units, shown);
+    gauge.parameter->getFormattedValues(ecu, units, texts);
     if (metric.empty() || shown.empty() || texts.empty())
         return;
     gauge.item->setProperty("value", shown.front());
