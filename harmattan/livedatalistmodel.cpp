@@ -3,7 +3,6 @@
 #include "dtcdatamodel.h"
 #include "iobdproxy.h"
 #include "measurableparameter.h"
-#include "monitorstatussensor.h"
 #include "powertrain/counterpid.h"
 #include "powertrain/parameterfactory.h"
 #include "sensor.h"
@@ -91,8 +90,7 @@ void LiveDataListModel::build(Obd::IObdProxy* proxy, Obd::UnitSystem unitSystem,
             // The range PIDs only say which others exist.
             if (pid % 0x20 == 0)
                 continue;
-            Obd::Sensor* sensor = pid == 0x01 ? new MonitorStatusSensor(*ecu)
-                                              : Obd::SensorCreator::createSensor(*ecu, pid);
+            Obd::Sensor* sensor = Obd::SensorCreator::createSensor(*ecu, pid);
             if (!sensor)
                 continue;
             const std::unique_ptr<Obd::PowertrainParameter> probe(Obd::ParameterFactory::create(pid));

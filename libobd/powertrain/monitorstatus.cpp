@@ -75,7 +75,7 @@ void MonitorStatus::getFormattedValues(const Ecu& ecu, UnitSystem, std::vector<s
         return;
     const unsigned int count = getDtcCount(ecu);
     list.push_back(std::string(isMilOn(ecu) ? "MIL on, " : "MIL off, ") + std::to_string(count)
-                   + (count == 1 ? " confirmed code" : " confirmed codes"));
+                   + (count == 1 ? " code, " : " codes, ") + readinessSummary(ecu));
 }
 
 bool MonitorStatus::hasValue(const Ecu& ecu) const
@@ -101,7 +101,7 @@ std::string MonitorStatus::readinessSummary(const Ecu& ecu) const
 {
     const std::vector<unsigned int> ids = supportedMonitors(ecu);
     const auto complete = std::count_if(ids.begin(), ids.end(), [&](unsigned int id) { return isComplete(ecu, id); });
-    return std::to_string(complete) + " of " + std::to_string(ids.size()) + " monitors complete";
+    return std::to_string(complete) + "/" + std::to_string(ids.size()) + " ready";
 }
 
 bool MonitorStatus::find(const Ecu& ecu, uint32_t& word) const

@@ -20,7 +20,7 @@ public:
     explicit MonitorStatus(unsigned char mode = 1);
     ~MonitorStatus() override;
 
-    // "MIL on, 2 confirmed codes": the record's short form for value lists;
+    // "MIL on, 2 codes, 6/7 ready": the record's short form for value lists;
     // the monitors themselves are read one by one.
     void getFormattedValues(const Ecu& ecu, UnitSystem unitSystem,
                             std::vector<std::string>& list) const override;
@@ -46,7 +46,7 @@ protected:
     MonitorStatus(unsigned char pid, unsigned char mode);
 
     bool hasValue(const Ecu& ecu) const;
-    // "5 of 7 monitors complete" over the monitors of the ECU's ignition type.
+    // "5/7 ready": complete of supported monitors of the ECU's ignition type.
     std::string readinessSummary(const Ecu& ecu) const;
 
 private:

@@ -111,11 +111,11 @@ struct DecodeRow
 const std::vector<DecodeRow>& decodeRows()
 {
     static const std::vector<DecodeRow> rows = {
-        { "monitor status: MIL bit 31, count 0x01", { 0x01 }, { 0x81, 0x07, 0x65, 0x00 }, true, {}, { "MIL on, 1 confirmed code" } },
+        { "monitor status: MIL bit 31, count 0x01", { 0x01 }, { 0x81, 0x07, 0x65, 0x00 }, true, {}, { "MIL on, 1 code, 7/7 ready" } },
         // B 07: three continuous monitors complete; C 65: catalyst, EVAP, O2, O2 heater; D 04: EVAP incomplete.
-        { "drive cycle, spark: 6 of 3 + 4 complete", { 0x41 }, { 0x00, 0x07, 0x65, 0x04 }, true, {}, { "6 of 7 monitors complete" } },
+        { "drive cycle, spark: 6 of 3 + 4 complete", { 0x41 }, { 0x00, 0x07, 0x65, 0x04 }, true, {}, { "6/7 ready" } },
         // B 0F: compression ignition; C 0A: NOx/SCR and boost pressure; D 02: NOx/SCR incomplete.
-        { "drive cycle, compression: 4 of 3 + 2 complete", { 0x41 }, { 0x00, 0x0F, 0x0A, 0x02 }, true, {}, { "4 of 5 monitors complete" } },
+        { "drive cycle, compression: 4 of 3 + 2 complete", { 0x41 }, { 0x00, 0x0F, 0x0A, 0x02 }, true, {}, { "4/5 ready" } },
         { "drive cycle: three bytes", { 0x41 }, { 0x00, 0x07, 0x65 }, false, {}, {} },
         { "monitor status: three bytes", { 0x01 }, { 0x81, 0x07, 0x65 }, false, {}, {} },
         { "freeze frame 01 33: 00 = P, 0, 1, 33 -> P0133", { 0x02 }, { 0x01, 0x33 }, true, {}, { "P0133" } },
