@@ -38,6 +38,9 @@ QVariant LiveDataListModel::data(const QModelIndex& index, int role) const
     const QList<Obd::SensorValue*> values = sensor->getValues();
     switch (role) {
     case NameRole:
+        // An oxygen sensor of an ECU without a sensor layout has no name: its PID stands in.
+        if (sensor->getName().isEmpty() && !values.isEmpty())
+            return QStringLiteral("PID ") + values.first()->getPid() + sensor->getTitle();
         return sensor->getTitle();
     case ValueRole: {
         // A failed read says why, as the trouble-code screens do.

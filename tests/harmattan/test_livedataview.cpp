@@ -92,6 +92,11 @@ TEST_P(LiveDataViewTest, ListsEverySupportedPidAndReadsTheShownRowsInTheChosenUn
     ASSERT_TRUE(waitUntil([&] { return model()->rowCount() == supported; }, READ_WAIT_MS))
         << model()->rowCount() << " rows for " << supported << " PIDs";
     ASSERT_TRUE(ui->settle());
+    // Every row has a name, the diesel's oxygen sensors (no sensor layout) included.
+    for (int row = 0; row < supported; ++row) {
+        const QString name = model()->index(row).data(LiveDataListModel::NameRole).toString();
+        EXPECT_FALSE(name.isEmpty() || name.startsWith(QLatin1Char(':'))) << "row " << row << ": " << name.toStdString();
+    }
     EXPECT_EQ(page->findChild<QObject*>("liveDataList")->property("count").toInt(), supported);
     // The list is longer than the screen: the rows below it are not read.
     EXPECT_GT(model()->polledCount(), 0);
@@ -164,7 +169,8 @@ TEST_P(LiveDataViewTest, ListsEverySupportedPidAndReadsTheShownRowsInTheChosenUn
 }
 
 INSTANTIATE_TEST_SUITE_P(Buses, LiveDataViewTest,
-                         ::testing::Values(Vehicle{ "can11", "can11", 0x7E8 }, Vehicle{ "kwp", "kwp", 0x11 }),
+                         ::testing::Values(Vehicle{ "can11", "can11", 0x7E8 }, Vehicle{ "kwp", "kwp", 0x11 },
+                                           Vehicle{ "diesel", "diesel", 0x7E8 }),
                          [](const ::testing::TestParamInfo<Vehicle>& info) { return std::string(info.param.name); });
 
 // Three values on one chart, recorded from the screen, the file read back and
