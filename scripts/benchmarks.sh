@@ -126,21 +126,21 @@ for delay in 0 50; do
     cli=$!
     # After discovery: the first sample line.
     for _ in $(seq 1 200); do
-        grep -q "s " /tmp/zarvane-live.$$ 2>/dev/null && break
+        grep -Eq '^ *[0-9.]+s$' /tmp/zarvane-live.$$ 2>/dev/null && break
         sleep 0.05
     done
     rss=$(grep VmRSS /proc/$cli/status 2>/dev/null | tr -s ' ' | cut -d' ' -f2)
     t0=$(cut -d' ' -f14-15 /proc/$cli/stat 2>/dev/null | tr ' ' '+' | bc)
     sleep 10
     t1=$(cut -d' ' -f14-15 /proc/$cli/stat 2>/dev/null | tr ' ' '+' | bc)
-    samples=$(grep -c "s " /tmp/zarvane-live.$$ || true)
+    samples=$(grep -Ec '^ *[0-9.]+s$' /tmp/zarvane-live.$$ || true)
     kill "$cli" 2>/dev/null || true
     wait "$cli" 2>/dev/null || true
     sim_stop
     ticks=$(getconf CLK_TCK)
     echo "-- elmsim delay $delay ms: VmRSS after discovery ${rss:-?} kB;" \
          "CPU over 10 s of polling: $(echo "scale=3; (${t1:-0} - ${t0:-0}) / $ticks" | bc) s" \
-         "($(echo "scale=1; 100 * (${t1:-0} - ${t0:-0}) / $ticks / 10" | bc) % of one core); $samples lines printed"
+         "($(echo "scale=1; 100 * (${t1:-0} - ${t0:-0}) / $ticks / 10" | bc) % of one core); $samples samples printed"
     rm -f /tmp/zarvane-live.$$
 done
 echo
