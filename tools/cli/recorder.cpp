@@ -22,13 +22,6 @@ namespace Cli {
 
 namespace {
 
-std::string ecuText(unsigned int id)
-{
-    char text[16];
-    std::snprintf(text, sizeof text, id > 0xFFF ? "%08X" : "%03X", id);
-    return text;
-}
-
 // One CSV column: a value of a PID as one ECU reports it.
 struct Column
 {
@@ -83,8 +76,7 @@ int Recorder::run(const std::vector<unsigned char>& pids, const std::atomic<bool
             for (size_t i = 0; i < std::max<size_t>(1, infos.size()); ++i) {
                 std::string name = infos.size() > 1 ? infos[i]->getName() : probe->getName(*ecu);
                 std::string unit = i < infos.size() ? Obd::unitText(infos[i]->getUnit(system)) : "";
-                header.push_back(name + (unit.empty() ? "" : " [" + unit + "]") + " (ECU " +
-                                 ecuText(ecu->getId()) + ")");
+                header.push_back(Obd::CsvRecorder::columnTitle(name, unit, ecu->getId()));
                 columns.push_back(Column{pid, ecu, i});
             }
         }
