@@ -4,6 +4,7 @@
 #include "dtcdatamodel.h"
 #include "iobdproxy.h"
 #include "obdparameterupdater.h"
+#include "powertrain/drivecyclemonitorstatus.h"
 #include "powertrain/monitorstatus.h"
 #include "readinesslistmodel.h"
 #include "sensor.h"
@@ -50,10 +51,14 @@ ReadinessViewModel::ReadinessViewModel(ConnectionManager* connectionManager,
     , m_updater(new Obd::ObdParameterUpdater(m_status))
     , m_inFlight(false)
     , m_haveStatus(false)
+    , m_cycle(new Obd::DriveCycleMonitorStatus())
+    , m_cycleUpdater(new Obd::ObdParameterUpdater(m_cycle))
     , m_connected(false)
 {
     m_updater->moveToThread(Obd::WorkerThread::instance());
+    m_cycleUpdater->moveToThread(Obd::WorkerThread::instance());
     connect(m_updater, &Obd::ObdParameterUpdater::updateDone, this, &ReadinessViewModel::onStatusRead);
+    connect(m_cycleUpdater, &Obd::ObdParameterUpdater::updateDone, this, &ReadinessViewModel::onCycleRead);
     connect(m_connectionManager, &ConnectionManager::connected, this, &ReadinessViewModel::onConnected);
     connect(m_connectionManager, &ConnectionManager::disconnected, this,
             &ReadinessViewModel::onDisconnected);
@@ -74,6 +79,7 @@ ReadinessViewModel::~ReadinessViewModel()
 {
     qDeleteAll(m_counters);
     Obd::ObdParameterUpdater::dispose(m_updater, m_status);
+    Obd::ObdParameterUpdater::dispose(m_cycleUpdater, m_cycle);
 }
 
 void ReadinessViewModel::setView(QObject* view)
@@ -113,6 +119,7 @@ void ReadinessViewModel::onDisconnected()
 {
     m_connected = false;
     m_updater->setProxy(nullptr);
+    m_cycleUpdater->setProxy(nullptr);
     for (Obd::Sensor* counter : m_counters)
         counter->setProxy(nullptr);
     // The last readings stay on screen, greyed.
@@ -126,7 +133,7 @@ void ReadinessViewModel::onViewDestroyed()
 
 void ReadinessViewModel::read()
 {
-    if (!m_view || !m_connected || m_inFlight)
+    if (!m_view || !m_connected || m_inFlight || m_cycleInFlight)
         return;
     Obd::IObdProxy* proxy = m_connectionManager->proxy();
     std::vector<Obd::EcuPtr> ecus;
@@ -137,11 +144,15 @@ void ReadinessViewModel::read()
     m_counters.clear();
     m_haveStatus = false;
     m_statusDone = false;
+    m_haveCycle = false;
+    m_cycleDone = false;
+    bool anyCycle = false;
     const Obd::UnitSystem units = static_cast<Obd::UnitSystem>(m_settings->unitSystem());
     for (const Obd::EcuPtr& ecu : ecus) {
         if (!ecu || !ecu->isSupported(1, 0x01))
             continue;
         m_ecus.push_back(*ecu);
+        anyCycle = anyCycle || ecu->isSupported(1, 0x41);
         for (unsigned char pid : COUNTER_PIDS) {
             Obd::Sensor* counter = ecu->isSupported(1, pid) ? Obd::SensorCreator::createSensor(*ecu, pid) : nullptr;
             if (!counter)
@@ -155,7 +166,13 @@ void ReadinessViewModel::read()
     }
     m_inFlight = true;
     m_updater->setProxy(proxy);
-    Obd::ObdParameterUpdater::requestUpdate(m_updater);
+    std::vector<Obd::ObdParameterUpdater*> batch{ m_updater };
+    if (anyCycle) {
+        m_cycleInFlight = true;
+        m_cycleUpdater->setProxy(proxy);
+        batch.push_back(m_cycleUpdater);
+    }
+    Obd::ObdParameterUpdater::requestUpdates(batch);
     compose();
 }
 
@@ -166,6 +183,38 @@ void ReadinessViewModel::onStatusRead(bool success)
     m_haveStatus = success;
     m_statusDone = true;
     compose();
+}
+
+void ReadinessViewModel::onCycleRead(bool success)
+{
+    Obd::ObdParameterUpdater::resultReceived(m_cycleUpdater);
+    m_cycleInFlight = false;
+    m_haveCycle = success;
+    m_cycleDone = true;
+    compose();
+}
+
+// The monitors enabled this drive cycle, under a heading of their own after
+// the counters: what a test drive still has to run.
+void ReadinessViewModel::composeCycle(const Obd::Ecu& ecu, const QString& header, QVector<Row>& rows) const
+{
+    if (!ecu.isSupported(1, 0x41))
+        return;
+    const QString section = header + QStringLiteral(" \u00b7 this drive cycle");
+    const Obd::ReadStatus status = m_cycle->readStatus(ecu.getId());
+    if (m_cycleDone && !(m_haveCycle && status.ok())) {
+        rows.append({ section, "Monitors", QStringLiteral("could not read: ") + cause(ecu, status),
+                      ReadinessListModel::Unread });
+        return;
+    }
+    if (!m_haveCycle)
+        return;
+    for (unsigned int id : m_cycle->supportedMonitors(ecu)) {
+        const bool complete = m_cycle->isComplete(ecu, id);
+        rows.append({ section, QString::fromStdString(Obd::MonitorStatus::getMonitorName(id)),
+                      complete ? "Complete" : "Incomplete",
+                      complete ? ReadinessListModel::Complete : ReadinessListModel::Incomplete });
+    }
 }
 
 void ReadinessViewModel::compose()
@@ -220,6 +269,7 @@ void ReadinessViewModel::compose()
                           (values.first()->getValue() + QLatin1Char(' ') + values.first()->getUnit()).trimmed(),
                           ReadinessListModel::Reading });
         }
+        composeCycle(ecu, header, rows);
     }
     if (!failures.empty())
         m_verdict = QStringLiteral("Could not read the monitors: ")

@@ -3,15 +3,18 @@
 
 #include "ecu.h"
 #include "iviewmodel.h"
+#include "readinesslistmodel.h"
 
 #include <QList>
 #include <QObject>
 #include <QPointer>
 #include <QString>
+#include <QVector>
 
 #include <vector>
 
 namespace Obd {
+class DriveCycleMonitorStatus;
 class MonitorStatus;
 class ObdParameterUpdater;
 class Sensor;
@@ -24,11 +27,11 @@ class SettingsModel;
 namespace Harmattan {
 
 class ConnectionManager;
-class ReadinessListModel;
 
-// Readiness: per ECU the lamp, the confirmed codes, every monitor and the
-// distance and time counters, read once per opening of the screen, and
-// whether the car would pass an emissions inspection.
+// Readiness: per ECU the lamp, the confirmed codes, every monitor since the
+// codes were cleared and this drive cycle, and the distance and time
+// counters, read once per opening of the screen, and whether the car would
+// pass an emissions inspection.
 class ReadinessViewModel : public QObject, public IViewModel
 {
     Q_OBJECT
@@ -51,6 +54,7 @@ public slots:
     void onDisconnected();
     void onViewDestroyed();
     void onStatusRead(bool success);
+    void onCycleRead(bool success);
 
 private slots:
     void onUnitSystemChanged();
@@ -59,6 +63,7 @@ private:
     void read();
     void compose();
     void showState();
+    void composeCycle(const Obd::Ecu& ecu, const QString& header, QVector<ReadinessListModel::Row>& rows) const;
 
     QPointer<QObject> m_view;
     ConnectionManager* m_connectionManager;
@@ -70,6 +75,12 @@ private:
     bool m_haveStatus;
     // The last read of the monitors came back, well or not.
     bool m_statusDone = false;
+    // PID 41, read with PID 01 when any ECU has it; it never sways the verdict.
+    Obd::DriveCycleMonitorStatus* m_cycle;
+    Obd::ObdParameterUpdater* m_cycleUpdater;
+    bool m_cycleInFlight = false;
+    bool m_cycleDone = false;
+    bool m_haveCycle = false;
     bool m_connected;
     std::vector<Obd::Ecu> m_ecus;
     QList<Obd::Sensor*> m_counters;
