@@ -55,7 +55,10 @@ bool MultiPidRequest::parsePayload(unsigned int ecuId, const std::vector<unsigne
             m_malformed.insert(ecuId);
             return false;
         }
-        std::vector<unsigned char> single{ 0x41, pid };
+        std::vector<unsigned char> single;
+        single.reserve(2 + row->maxBytes);
+        single.push_back(0x41);
+        single.push_back(pid);
         single.insert(single.end(), data.begin() + at + 1, data.begin() + at + 1 + row->maxBytes);
         if (parameter->parse(m_protocol, ecuId, single))
             m_answered[ecuId].insert(pid);

@@ -28,7 +28,7 @@ const QVector<Obd::DtcListViewDataModel::Row>& databaseRows()
         for (const std::string& code : codes)
             result.append({QString::fromStdString(code),
                            QString::fromStdString(reader.getDescription(code)),
-                           QString::fromStdString(reader.getCategory(code))});
+                           QString::fromStdString(reader.getCategory(code)), QString(), QString()});
         return result;
     }();
     return rows;

@@ -52,8 +52,9 @@ void expectTrueValues(SimLink& link, const std::vector<std::unique_ptr<Powertrai
             dynamic_cast<MeasurableParameter&>(*parameter).getValues(*link.proxy().getEcu(ecu.id), US_METRIC, values);
             const bool supports = std::count(ecu.pids01.begin(), ecu.pids01.end(), parameter->getPid()) > 0;
             ASSERT_EQ(supports ? 1u : 0u, values.size());
-            if (supports)
+            if (supports) {
                 EXPECT_NEAR(link.server().profile().physicalValue(ecu.id, parameter->getPid(), 0.0), values[0], 0.6);
+            }
         }
     }
 }

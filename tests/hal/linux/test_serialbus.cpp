@@ -212,10 +212,12 @@ TEST(CancelOpening, EndsTheOpeningAtAnyStep)
         ASSERT_TRUE(waitFor([&] { return opening.done.load(); }));
         EXPECT_EQ(VehicleLink::VL_CANCELLED, opening.status);
         EXPECT_FALSE(opening.link.isOpen());
-        if (row.evidence == LINK_DROPPED)
+        if (row.evidence == LINK_DROPPED) {
             EXPECT_EQ(1, opening.disconnects.load());
-        if (row.evidence == CONNECT_GIVEN_UP)
+        }
+        if (row.evidence == CONNECT_GIVEN_UP) {
             EXPECT_EQ(std::string(std::strerror(ECANCELED)), opening.link.errorString());
+        }
         EXPECT_EQ(VehicleLink::VL_CANCELLED, opening.link.open(address));
     }
 }
