@@ -6,8 +6,8 @@
 
 namespace Harmattan {
 
-// Rows of read results under section headings: on-board tests and vehicle
-// information. Limits and unit stay empty where a row has none.
+// Rows of read results under section headings: on-board tests, vehicle
+// information and readiness. Limits and unit stay empty where a row has none.
 class ResultListModel : public QAbstractListModel
 {
     Q_OBJECT
@@ -15,8 +15,9 @@ class ResultListModel : public QAbstractListModel
 
 public:
     enum Roles { SectionRole = Qt::UserRole + 1, TitleRole, ValueRole, MinimumRole, MaximumRole, UnitRole, StateRole };
-    // How a row is drawn: a test's verdict, a plain reading, or a failed read.
-    enum State { Passed = 0, Failed = 1, Reading = 2, Unread = 3 };
+    // How a row is drawn: a test's verdict (a monitor's complete or
+    // incomplete), a plain reading, a failed read, or a monitor the ECU lacks.
+    enum State { Passed = 0, Failed = 1, Reading = 2, Unread = 3, NotSupported = 4 };
     Q_ENUM(State)
 
     struct Row

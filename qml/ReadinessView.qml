@@ -10,7 +10,8 @@ ZPage {
     property string verdict
     property bool ready: false
     readonly property bool stale: connectionStatus !== 2
-    readonly property var stateColors: [Theme.ok, Theme.danger, Theme.textDim, Theme.text, Theme.danger]
+    // By ResultListModel's state: complete, incomplete, reading, unread, not supported.
+    readonly property var stateColors: [Theme.ok, Theme.danger, Theme.text, Theme.danger, Theme.textDim]
 
     objectName: "readinessView"
     title: "Readiness"
@@ -47,7 +48,7 @@ ZPage {
         clip: true
         boundsBehavior: Flickable.StopAtBounds
         model: typeof readinessListModel !== "undefined" ? readinessListModel : null
-        section.property: "ecu"
+        section.property: "section"
         section.delegate: Text {
             width: ListView.view.width
             leftPadding: Theme.margin

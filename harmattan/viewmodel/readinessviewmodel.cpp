@@ -6,7 +6,7 @@
 #include "obdparameterupdater.h"
 #include "powertrain/drivecyclemonitorstatus.h"
 #include "powertrain/monitorstatus.h"
-#include "readinesslistmodel.h"
+#include "resultlistmodel.h"
 #include "sensor.h"
 #include "sensorcreator.h"
 #include "sensorvalue.h"
@@ -31,7 +31,12 @@ const unsigned int LAST_SPARK = 9;
 const unsigned int FIRST_COMPRESSION = 10;
 const unsigned int LAST_COMPRESSION = 15;
 
-using Row = ReadinessListModel::Row;
+using Row = ResultListModel::Row;
+
+Row row(const QString& section, const QString& title, const QString& value, int state)
+{
+    return { section, title, value, QString(), QString(), QString(), state };
+}
 
 // "NO DATA (ECM 0x7E8)", as the trouble-code screens say it.
 QString cause(const Obd::Ecu& ecu, const Obd::ReadStatus& status)
@@ -46,7 +51,7 @@ ReadinessViewModel::ReadinessViewModel(ConnectionManager* connectionManager,
     : QObject(parent)
     , m_connectionManager(connectionManager)
     , m_settings(settings)
-    , m_listModel(new ReadinessListModel(this))
+    , m_listModel(new ResultListModel(this))
     , m_status(new Obd::MonitorStatus())
     , m_updater(new Obd::ObdParameterUpdater(m_status))
     , m_inFlight(false)
@@ -98,7 +103,7 @@ void ReadinessViewModel::setContext(QQmlContext* context)
     context->setContextProperty("readinessListModel", m_listModel);
 }
 
-ReadinessListModel* ReadinessViewModel::listModel() const
+ResultListModel* ReadinessViewModel::listModel() const
 {
     return m_listModel;
 }
@@ -203,17 +208,17 @@ void ReadinessViewModel::composeCycle(const Obd::Ecu& ecu, const QString& header
     const QString section = header + QStringLiteral(" \u00b7 this drive cycle");
     const Obd::ReadStatus status = m_cycle->readStatus(ecu.getId());
     if (m_cycleDone && !(m_haveCycle && status.ok())) {
-        rows.append({ section, "Monitors", QStringLiteral("could not read: ") + cause(ecu, status),
-                      ReadinessListModel::Unread });
+        rows.append(row(section, "Monitors", QStringLiteral("could not read: ") + cause(ecu, status),
+                        ResultListModel::Unread));
         return;
     }
     if (!m_haveCycle)
         return;
     for (unsigned int id : m_cycle->supportedMonitors(ecu)) {
         const bool complete = m_cycle->isComplete(ecu, id);
-        rows.append({ section, QString::fromStdString(Obd::MonitorStatus::getMonitorName(id)),
-                      complete ? "Complete" : "Incomplete",
-                      complete ? ReadinessListModel::Complete : ReadinessListModel::Incomplete });
+        rows.append(row(section, QString::fromStdString(Obd::MonitorStatus::getMonitorName(id)),
+                        complete ? "Complete" : "Incomplete",
+                        complete ? ResultListModel::Passed : ResultListModel::Failed));
     }
 }
 
@@ -229,13 +234,13 @@ void ReadinessViewModel::compose()
         // An ECU whose answer did not come is unknown, never "lamp off".
         if (m_statusDone && !(m_haveStatus && status.ok())) {
             failures.push_back(Obd::DtcDataModel::failureOf(ecu, status));
-            rows.append({ header, "Monitors", QStringLiteral("could not read: ") + cause(ecu, status),
-                          ReadinessListModel::Unread });
+            rows.append(row(header, "Monitors", QStringLiteral("could not read: ") + cause(ecu, status),
+                            ResultListModel::Unread));
         } else if (m_haveStatus) {
-            rows.append({ header, "Malfunction indicator lamp", m_status->isMilOn(ecu) ? "On" : "Off",
-                          m_status->isMilOn(ecu) ? ReadinessListModel::Incomplete : ReadinessListModel::Reading });
-            rows.append({ header, "Confirmed trouble codes", QString::number(m_status->getDtcCount(ecu)),
-                          ReadinessListModel::Reading });
+            rows.append(row(header, "Malfunction indicator lamp", m_status->isMilOn(ecu) ? "On" : "Off",
+                            m_status->isMilOn(ecu) ? ResultListModel::Failed : ResultListModel::Reading));
+            rows.append(row(header, "Confirmed trouble codes", QString::number(m_status->getDtcCount(ecu)),
+                            ResultListModel::Reading));
             const bool compression = m_status->isCompressionIgnition(ecu);
             const unsigned int first = compression ? FIRST_COMPRESSION : FIRST_SPARK;
             const unsigned int last = compression ? LAST_COMPRESSION : LAST_SPARK;
@@ -244,11 +249,11 @@ void ReadinessViewModel::compose()
                     continue;
                 const QString monitor = QString::fromStdString(Obd::MonitorStatus::getMonitorName(id));
                 if (!m_status->isSupported(ecu, id)) {
-                    rows.append({ header, monitor, "Not supported", ReadinessListModel::NotSupported });
+                    rows.append(row(header, monitor, "Not supported", ResultListModel::NotSupported));
                 } else if (m_status->isComplete(ecu, id)) {
-                    rows.append({ header, monitor, "Complete", ReadinessListModel::Complete });
+                    rows.append(row(header, monitor, "Complete", ResultListModel::Passed));
                 } else {
-                    rows.append({ header, monitor, "Incomplete", ReadinessListModel::Incomplete });
+                    rows.append(row(header, monitor, "Incomplete", ResultListModel::Failed));
                     notReady << QStringLiteral("%1 (%2)").arg(monitor, name);
                 }
             }
@@ -258,16 +263,16 @@ void ReadinessViewModel::compose()
             if (counter->getEcuId() != ecu.getId() || values.isEmpty())
                 continue;
             if (counter->wasRefreshed() && !counter->getReadStatus().ok()) {
-                rows.append({ header, counter->getTitle(),
-                              QStringLiteral("could not read: ") + cause(ecu, counter->getReadStatus()),
-                              ReadinessListModel::Unread });
+                rows.append(row(header, counter->getTitle(),
+                                QStringLiteral("could not read: ") + cause(ecu, counter->getReadStatus()),
+                                ResultListModel::Unread));
                 continue;
             }
             if (values.first()->getValue().isEmpty())
                 continue;
-            rows.append({ header, counter->getTitle(),
-                          (values.first()->getValue() + QLatin1Char(' ') + values.first()->getUnit()).trimmed(),
-                          ReadinessListModel::Reading });
+            rows.append(row(header, counter->getTitle(),
+                            (values.first()->getValue() + QLatin1Char(' ') + values.first()->getUnit()).trimmed(),
+                            ResultListModel::Reading));
         }
         composeCycle(ecu, header, rows);
     }

@@ -3,7 +3,7 @@
 
 #include "ecu.h"
 #include "iviewmodel.h"
-#include "readinesslistmodel.h"
+#include "resultlistmodel.h"
 
 #include <QList>
 #include <QObject>
@@ -46,7 +46,7 @@ public:
     void setView(QObject* view) override;
     void setContext(QQmlContext* context) override;
 
-    ReadinessListModel* listModel() const;
+    ResultListModel* listModel() const;
     QString verdict() const;
 
 public slots:
@@ -63,12 +63,12 @@ private:
     void read();
     void compose();
     void showState();
-    void composeCycle(const Obd::Ecu& ecu, const QString& header, QVector<ReadinessListModel::Row>& rows) const;
+    void composeCycle(const Obd::Ecu& ecu, const QString& header, QVector<ResultListModel::Row>& rows) const;
 
     QPointer<QObject> m_view;
     ConnectionManager* m_connectionManager;
     Obd::SettingsModel* m_settings;
-    ReadinessListModel* m_listModel;
+    ResultListModel* m_listModel;
     Obd::MonitorStatus* m_status;
     Obd::ObdParameterUpdater* m_updater;
     bool m_inFlight;

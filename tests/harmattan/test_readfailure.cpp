@@ -2,7 +2,7 @@
 // adapter's word and the ECUs, and never show a clean car.
 
 #include "navigationmodel.h"
-#include "readinesslistmodel.h"
+#include "resultlistmodel.h"
 #include "uiharness.h"
 #include "viewmodel/readinessviewmodel.h"
 #include "zarvane.h"
@@ -57,8 +57,8 @@ TEST_P(TroubleCodeReadFailure, ReadinessSaysWhyItCouldNotRead)
     ASSERT_TRUE(waitUntil([&] { return ui->text(page, "verdictText") == "Could not read the monitors: " + cause; },
                           READ_WAIT_MS)) << ui->text(page, "verdictText").toStdString();
     QStringList shown;
-    for (const Harmattan::ReadinessListModel::Row& row : ui->app()->readinessViewModel()->listModel()->rows())
-        shown << row.ecu + " " + row.title + ": " + row.value;
+    for (const Harmattan::ResultListModel::Row& row : ui->app()->readinessViewModel()->listModel()->rows())
+        shown << row.section + " " + row.title + ": " + row.value;
     EXPECT_TRUE(shown.contains(QString("ECM (0x7E8) Monitors: could not read: %1 (ECM 0x7E8)").arg(GetParam().word)))
         << shown.join(" | ").toStdString();
     EXPECT_FALSE(shown.join(" ").contains("Malfunction indicator lamp")) << "no lamp state guessed";

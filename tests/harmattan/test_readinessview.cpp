@@ -2,7 +2,7 @@
 #include "dtclistviewdatamodel.h"
 #include "iobdproxy.h"
 #include "navigationmodel.h"
-#include "readinesslistmodel.h"
+#include "resultlistmodel.h"
 #include "uiharness.h"
 #include "viewmodel/pendingdtcviewmodel.h"
 #include "viewmodel/readinessviewmodel.h"
@@ -10,7 +10,7 @@
 
 #include <gtest/gtest.h>
 
-using Harmattan::ReadinessListModel;
+using Harmattan::ResultListModel;
 
 namespace {
 
@@ -25,21 +25,21 @@ struct Vehicle
 class ReadinessRows : public SimUiTest
 {
 protected:
-    ReadinessListModel* model() const { return ui->app()->readinessViewModel()->listModel(); }
+    ResultListModel* model() const { return ui->app()->readinessViewModel()->listModel(); }
     // The rows of a section of the ECU with that address.
-    QVector<ReadinessListModel::Row> rows(unsigned int ecu, const QString& section = QString()) const
+    QVector<ResultListModel::Row> rows(unsigned int ecu, const QString& section = QString()) const
     {
         const QString end = QStringLiteral("(0x%1)").arg(QString::number(ecu, 16).toUpper()) + section;
-        QVector<ReadinessListModel::Row> found;
-        for (const ReadinessListModel::Row& row : model()->rows())
-            if (row.ecu.endsWith(end))
+        QVector<ResultListModel::Row> found;
+        for (const ResultListModel::Row& row : model()->rows())
+            if (row.section.endsWith(end))
                 found << row;
         return found;
     }
     // The value of a row; empty when missing.
     QString value(unsigned int ecu, const QString& title, const QString& section = QString()) const
     {
-        for (const ReadinessListModel::Row& row : rows(ecu, section))
+        for (const ResultListModel::Row& row : rows(ecu, section))
             if (row.title == title)
                 return row.value;
         return QString();
@@ -76,8 +76,8 @@ TEST_P(ReadinessViewTest, ShowsEachEcusMonitorsCountersAndTheVerdict)
         SCOPED_TRACE(ecu.name);
         // Three continuous and seven spark-ignition monitors.
         int monitors = 0;
-        for (const ReadinessListModel::Row& row : model()->rows())
-            monitors += row.ecu.endsWith(QStringLiteral("(0x%1)").arg(QString::number(ecu.id, 16).toUpper())) && row.state != ReadinessListModel::Reading;
+        for (const ResultListModel::Row& row : model()->rows())
+            monitors += row.section.endsWith(QStringLiteral("(0x%1)").arg(QString::number(ecu.id, 16).toUpper())) && row.state != ResultListModel::Reading;
         EXPECT_EQ(monitors, ecu.supportsPid(1, 0x01) ? 10 + (ecu.milOn() ? 1 : 0) : 0);
     }
     ASSERT_TRUE(waitUntil([&] { return !value(vehicle.engine, "Distance traveled since DTCs cleared").isEmpty(); },
