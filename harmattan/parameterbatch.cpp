@@ -1,7 +1,5 @@
 #include "parameterbatch.h"
 
-#include "ecu.h"
-#include "iscantool.h"
 #include "obdparameter.h"
 #include "obdparameterupdater.h"
 #include "workerthread.h"
@@ -59,17 +57,6 @@ void ParameterBatch::onUpdateDone()
     Obd::ObdParameterUpdater::resultReceived(qobject_cast<Obd::ObdParameterUpdater*>(sender()));
     if (m_pending > 0 && --m_pending == 0)
         emit finished();
-}
-
-QString ParameterBatch::failure(const Obd::Ecu& ecu, const Obd::ReadStatus& status)
-{
-    const std::string prefix = std::string(Obd::ScantoolError::statusName(Obd::ScantoolError::SE_ERROR_WORD)) + ": ";
-    std::string cause = status.reason;
-    if (status.state == Obd::READ_ADAPTER_ERROR && cause.rfind(prefix, 0) == 0)
-        cause.erase(0, prefix.size());
-    return QStringLiteral("%1 (%2 0x%3)")
-        .arg(QString::fromStdString(cause), QString::fromStdString(ecu.getShortName()),
-             QString::number(ecu.getId(), 16).toUpper());
 }
 
 } // namespace Harmattan

@@ -2,16 +2,13 @@
 #define HARMATTAN_PARAMETERBATCH_H
 
 #include <QObject>
-#include <QString>
 
 #include <vector>
 
 namespace Obd {
-class Ecu;
 class IObdProxy;
 class ObdParameter;
 class ObdParameterUpdater;
-struct ReadStatus;
 }
 
 namespace Harmattan {
@@ -36,9 +33,6 @@ public:
     void clear();
     bool running() const { return m_pending > 0; }
     bool isEmpty() const { return m_entries.empty(); }
-
-    // "NO DATA (ECM 0x7E8)": the adapter's word, else the reason, and the ECU.
-    static QString failure(const Obd::Ecu& ecu, const Obd::ReadStatus& status);
 
 signals:
     void finished();

@@ -1,21 +1,15 @@
 #include "onboardtestsviewmodel.h"
 
 #include "canmonitortestitem.h"
-#include "connectionmanager.h"
-#include "iobdproxy.h"
 #include "iscantool.h"
 #include "monitortestitem.h"
 #include "monitortestnames.h"
-#include "navigationmodel.h"
 #include "parameterbatch.h"
 #include "parameters/monitortestresult.h"
 #include "parameters/oxygensensortestresult.h"
-#include "resultlistmodel.h"
 #include "settingsmodel.h"
 #include "unittable.h"
 
-#include <QQmlContext>
-#include <QStringList>
 #include <QVariant>
 
 #include <algorithm>
@@ -77,81 +71,11 @@ void addIds(const std::vector<unsigned char>& from, std::vector<unsigned char>& 
 
 OnBoardTestsViewModel::OnBoardTestsViewModel(NavigationModel* navigationModel, ConnectionManager* connectionManager,
                                              Obd::SettingsModel* settings, QObject* parent)
-    : QObject(parent)
-    , m_navigationModel(navigationModel)
-    , m_connectionManager(connectionManager)
+    : BatchViewModel(navigationModel, NavigationModel::OnBoardTestsView, connectionManager, "onBoardTestsListModel",
+                     "onBoardTestsViewModel", parent)
     , m_settings(settings)
-    , m_listModel(new ResultListModel(this))
-    , m_batch(new ParameterBatch(this))
-    , m_connected(false)
 {
-    connect(m_batch, &ParameterBatch::finished, this, &OnBoardTestsViewModel::onRead);
-    connect(m_connectionManager, &ConnectionManager::connected, this, &OnBoardTestsViewModel::onConnected);
-    connect(m_connectionManager, &ConnectionManager::disconnected, this, &OnBoardTestsViewModel::onDisconnected);
     connect(m_settings, &Obd::SettingsModel::unitSystemChanged, this, &OnBoardTestsViewModel::onUnitSystemChanged);
-}
-
-OnBoardTestsViewModel::~OnBoardTestsViewModel()
-{
-    m_batch->clear();
-}
-
-void OnBoardTestsViewModel::setView(QObject* view)
-{
-    detachView(m_view, this);
-    m_view = view;
-    if (!m_view)
-        return;
-    connect(m_view, &QObject::destroyed, this, &OnBoardTestsViewModel::onViewDestroyed);
-    m_connected = m_connectionManager->isConnected();
-    showState();
-    read();
-}
-
-void OnBoardTestsViewModel::setContext(QQmlContext* context)
-{
-    context->setContextProperty("onBoardTestsListModel", m_listModel);
-    context->setContextProperty("onBoardTestsViewModel", this);
-}
-
-ResultListModel* OnBoardTestsViewModel::listModel() const
-{
-    return m_listModel;
-}
-
-QString OnBoardTestsViewModel::summary() const
-{
-    return m_summary;
-}
-
-QString OnBoardTestsViewModel::readError() const
-{
-    return m_readError;
-}
-
-void OnBoardTestsViewModel::open()
-{
-    m_navigationModel->activateView(NavigationModel::OnBoardTestsView);
-}
-
-void OnBoardTestsViewModel::onConnected()
-{
-    m_connected = true;
-    showState();
-    read();
-}
-
-void OnBoardTestsViewModel::onDisconnected()
-{
-    m_connected = false;
-    m_batch->stop();
-    // The last results stay on screen, greyed.
-    showState();
-}
-
-void OnBoardTestsViewModel::onViewDestroyed()
-{
-    m_view = nullptr;
 }
 
 void OnBoardTestsViewModel::onUnitSystemChanged()
@@ -160,23 +84,15 @@ void OnBoardTestsViewModel::onUnitSystemChanged()
         compose();
 }
 
-void OnBoardTestsViewModel::read()
+void OnBoardTestsViewModel::addRequests(const std::vector<Obd::EcuPtr>& ecus)
 {
-    Obd::IObdProxy* proxy = m_connectionManager->proxy();
-    if (!m_view || !m_connected || !proxy || m_batch->running())
-        return;
-    m_batch->clear();
     m_monitorTests.clear();
     m_oxygenTests.clear();
-    m_ecus.clear();
-    std::vector<Obd::EcuPtr> ecus;
-    proxy->getEcus(ecus);
     std::vector<unsigned char> mids;
     std::vector<unsigned char> tids;
     for (const Obd::EcuPtr& ecu : ecus) {
         if (!ecu)
             continue;
-        m_ecus.push_back(*ecu);
         std::vector<unsigned char> supported;
         ecu->getSupported(6, supported);
         addIds(supported, mids);
@@ -196,22 +112,12 @@ void OnBoardTestsViewModel::read()
         m_oxygenTests.push_back(new Obd::OxygenSensorTestResult(tid));
         m_batch->add(m_oxygenTests.back());
     }
-    m_batch->start(proxy);
-    compose();
 }
 
-void OnBoardTestsViewModel::onRead()
+void OnBoardTestsViewModel::collect(QVector<Row>& rows, bool running)
 {
-    compose();
-}
-
-void OnBoardTestsViewModel::compose()
-{
-    QVector<Row> rows;
-    QStringList causes;
     int tests = 0;
     int failed = 0;
-    const bool running = m_batch->running();
     const Obd::UnitSystem units = static_cast<Obd::UnitSystem>(m_settings->unitSystem());
     for (const Obd::Ecu& ecu : m_ecus) {
         if (running)
@@ -223,11 +129,8 @@ void OnBoardTestsViewModel::compose()
             const Obd::ReadStatus status = parameter.readStatus(ecu.getId());
             if (status.ok())
                 return true;
-            const QString cause = ParameterBatch::failure(ecu, status);
-            if (!causes.contains(cause))
-                causes << cause;
-            addTo(groups, group, { QString(), title, QStringLiteral("could not read: ") + cause, QString(), QString(),
-                                   QString(), ResultListModel::Unread });
+            addTo(groups, group, { QString(), title, unread(ecu, status), QString(), QString(), QString(),
+                                   ResultListModel::Unread });
             return false;
         };
         for (Obd::MonitorTestResult* result : m_monitorTests) {
@@ -286,8 +189,7 @@ void OnBoardTestsViewModel::compose()
         }
         std::stable_sort(groups.begin(), groups.end(),
                          [](const Group& a, const Group& b) { return a.failed && !b.failed; });
-        const QString header = QStringLiteral("%1 (0x%2)").arg(text(ecu.getShortName()),
-                                                              QString::number(ecu.getId(), 16).toUpper());
+        const QString header = section(ecu);
         for (Group& group : groups) {
             std::stable_sort(group.rows.begin(), group.rows.end(),
                              [](const Row& a, const Row& b) { return rank(a) < rank(b); });
@@ -297,27 +199,21 @@ void OnBoardTestsViewModel::compose()
             }
         }
     }
-    m_readError = causes.join(QStringLiteral("; "));
     if (running)
         m_summary = QStringLiteral("Reading the test results...");
     else if (rows.isEmpty())
         m_summary = m_ecus.empty() ? QString() : QStringLiteral("No control unit reports on-board tests");
     else if (tests == 0)
-        m_summary = causes.isEmpty() ? QStringLiteral("No test results") : QStringLiteral("Could not read the test results");
+        m_summary = hasUnread() ? QStringLiteral("Could not read the test results") : QStringLiteral("No test results");
     else
         m_summary = failed == 0 ? QStringLiteral("%1 tests, all passed").arg(tests)
                                 : QStringLiteral("%1 tests, %2 failed").arg(tests).arg(failed);
-    m_listModel->setRows(rows);
-    showState();
 }
 
-void OnBoardTestsViewModel::showState()
+void OnBoardTestsViewModel::showReadings()
 {
-    if (!m_view)
-        return;
-    m_view->setProperty("connectionStatus", m_connected ? 2 : 0);
     m_view->setProperty("summary", m_summary);
-    m_view->setProperty("readError", m_readError);
+    m_view->setProperty("readError", readError());
 }
 
 } // namespace Harmattan

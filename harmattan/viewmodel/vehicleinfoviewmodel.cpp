@@ -1,9 +1,6 @@
 #include "vehicleinfoviewmodel.h"
 
-#include "connectionmanager.h"
 #include "elmtransport.h"
-#include "iobdproxy.h"
-#include "navigationmodel.h"
 #include "parameterbatch.h"
 #include "parameters/calibrationids.h"
 #include "parameters/calibrationverificationnumbers.h"
@@ -11,12 +8,9 @@
 #include "parameters/performancetrackingcompression.h"
 #include "parameters/performancetrackingspark.h"
 #include "parameters/vehicleidentificationnumber.h"
-#include "resultlistmodel.h"
 #include "vinfields.h"
 
 #include <QDate>
-#include <QQmlContext>
-#include <QStringList>
 #include <QVariant>
 
 #include <algorithm>
@@ -45,55 +39,15 @@ T* offered(const std::vector<Obd::EcuPtr>& ecus, unsigned char type)
 
 VehicleInfoViewModel::VehicleInfoViewModel(NavigationModel* navigationModel, ConnectionManager* connectionManager,
                                            QObject* parent)
-    : QObject(parent)
-    , m_navigationModel(navigationModel)
-    , m_connectionManager(connectionManager)
-    , m_listModel(new ResultListModel(this))
-    , m_batch(new ParameterBatch(this))
+    : BatchViewModel(navigationModel, NavigationModel::VehicleInfoView, connectionManager, "vehicleInfoListModel",
+                     "vehicleInfoViewModel", parent)
     , m_vinParameter(nullptr)
     , m_names(nullptr)
     , m_calibrations(nullptr)
     , m_cvns(nullptr)
     , m_spark(nullptr)
     , m_compression(nullptr)
-    , m_connected(false)
 {
-    connect(m_batch, &ParameterBatch::finished, this, &VehicleInfoViewModel::compose);
-    connect(m_connectionManager, &ConnectionManager::connected, this, &VehicleInfoViewModel::onConnected);
-    connect(m_connectionManager, &ConnectionManager::disconnected, this, &VehicleInfoViewModel::onDisconnected);
-}
-
-VehicleInfoViewModel::~VehicleInfoViewModel()
-{
-    m_batch->clear();
-}
-
-void VehicleInfoViewModel::setView(QObject* view)
-{
-    detachView(m_view, this);
-    m_view = view;
-    if (!m_view)
-        return;
-    connect(m_view, &QObject::destroyed, this, &VehicleInfoViewModel::onViewDestroyed);
-    m_connected = m_connectionManager->isConnected();
-    showState();
-    read();
-}
-
-void VehicleInfoViewModel::setContext(QQmlContext* context)
-{
-    context->setContextProperty("vehicleInfoListModel", m_listModel);
-    context->setContextProperty("vehicleInfoViewModel", this);
-}
-
-ResultListModel* VehicleInfoViewModel::listModel() const
-{
-    return m_listModel;
-}
-
-void VehicleInfoViewModel::open()
-{
-    m_navigationModel->activateView(NavigationModel::VehicleInfoView);
 }
 
 QString VehicleInfoViewModel::ratio(unsigned int completed, unsigned int encountered)
@@ -104,39 +58,8 @@ QString VehicleInfoViewModel::ratio(unsigned int completed, unsigned int encount
     return counts + QStringLiteral(" (%1 %)").arg(static_cast<int>(100.0 * completed / encountered + 0.5));
 }
 
-void VehicleInfoViewModel::onConnected()
+void VehicleInfoViewModel::addRequests(const std::vector<Obd::EcuPtr>& ecus)
 {
-    m_connected = true;
-    showState();
-    read();
-}
-
-void VehicleInfoViewModel::onDisconnected()
-{
-    m_connected = false;
-    m_batch->stop();
-    // The last readings stay on screen, greyed.
-    showState();
-}
-
-void VehicleInfoViewModel::onViewDestroyed()
-{
-    m_view = nullptr;
-}
-
-void VehicleInfoViewModel::read()
-{
-    Obd::IObdProxy* proxy = m_connectionManager->proxy();
-    if (!m_view || !m_connected || !proxy || m_batch->running())
-        return;
-    m_batch->clear();
-    m_ecus.clear();
-    std::vector<Obd::EcuPtr> ecus;
-    proxy->getEcus(ecus);
-    for (const Obd::EcuPtr& ecu : ecus) {
-        if (ecu)
-            m_ecus.push_back(*ecu);
-    }
     // Asked only where some ECU says it has the item.
     m_vinParameter = offered<Obd::VehicleIdentificationNumber>(ecus, Obd::VehicleIdentificationNumber::INFO_TYPE);
     m_names = offered<Obd::EcuName>(ecus, Obd::EcuName::INFO_TYPE);
@@ -149,23 +72,17 @@ void VehicleInfoViewModel::read()
         if (parameter)
             m_batch->add(parameter);
     }
-    m_batch->start(proxy);
-    compose();
 }
 
-void VehicleInfoViewModel::compose()
+void VehicleInfoViewModel::collect(QVector<Row>& rows, bool running)
 {
-    QVector<Row> rows;
-    QStringList causes;
     m_vin.clear();
     m_modelYear.clear();
     m_region.clear();
-    const bool running = m_batch->running();
     for (const Obd::Ecu& ecu : m_ecus) {
         if (running)
             break;
-        const QString header = QStringLiteral("%1 (0x%2)").arg(QString::fromStdString(ecu.getShortName()),
-                                                              QString::number(ecu.getId(), 16).toUpper());
+        const QString header = section(ecu);
         auto add = [&](const QString& title, const QString& value, int state = ResultListModel::Reading) {
             rows.append({ header, title, value, QString(), QString(), QString(), state });
         };
@@ -180,10 +97,7 @@ void VehicleInfoViewModel::compose()
             }
             if (status.ok())
                 return true;
-            const QString cause = ParameterBatch::failure(ecu, status);
-            if (!causes.contains(cause))
-                causes << cause;
-            add(title, QStringLiteral("could not read: ") + cause, ResultListModel::Unread);
+            add(title, unread(ecu, status), ResultListModel::Unread);
             return false;
         };
         if (readable(m_names, Obd::EcuName::INFO_TYPE, QStringLiteral("ECU name"))) {
@@ -240,21 +154,15 @@ void VehicleInfoViewModel::compose()
                      QStringLiteral("Performance tracking")))
             ratios(m_compression->getCounters(ecu), &Obd::PerformanceTrackingCompression::getCounterName);
     }
-    m_readError = causes.join(QStringLiteral("; "));
-    m_listModel->setRows(rows);
-    showState();
 }
 
-void VehicleInfoViewModel::showState()
+void VehicleInfoViewModel::showReadings()
 {
-    if (!m_view)
-        return;
-    m_view->setProperty("connectionStatus", m_connected ? 2 : 0);
     m_view->setProperty("busy", m_batch->running());
     m_view->setProperty("vin", m_vin);
     m_view->setProperty("modelYear", m_modelYear);
     m_view->setProperty("region", m_region);
-    m_view->setProperty("readError", m_readError);
+    m_view->setProperty("readError", readError());
 }
 
 } // namespace Harmattan
