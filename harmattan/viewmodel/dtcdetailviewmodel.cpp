@@ -1,9 +1,7 @@
 #include "dtcdetailviewmodel.h"
 
 #include "connectionmanager.h"
-#include "dtcdatamodel.h"
 #include "iobdproxy.h"
-#include "navigationmodel.h"
 #include "obdparameterupdater.h"
 #include "powertrain/parameterfactory.h"
 #include "powertrainparameter.h"
@@ -23,30 +21,18 @@ const char* const DtcDetailViewModel::NO_FRAME = "No freeze frame stored";
 namespace {
 
 const unsigned char FRAME_CODE_PID = 0x02;
-const char* const COULD_NOT_READ = "could not read: ";
-
-QString failureText(const Obd::Ecu& ecu, const Obd::ReadStatus& status)
-{
-    return QString::fromLatin1(COULD_NOT_READ)
-           + QString::fromStdString(Obd::DtcDataModel::describe({ Obd::DtcDataModel::failureOf(ecu, status) }));
-}
 
 } // namespace
 
 DtcDetailViewModel::DtcDetailViewModel(NavigationModel* navigationModel, ConnectionManager* connectionManager,
                                        Obd::SettingsModel* settings, QObject* parent)
-    : QObject(parent)
-    , m_navigationModel(navigationModel)
-    , m_connectionManager(connectionManager)
+    : ReadingViewModel(navigationModel, NavigationModel::DtcDetailView, connectionManager, parent)
     , m_settings(settings)
-    , m_connected(connectionManager && connectionManager->isConnected())
     , m_ecuFound(false)
     , m_hasFrame(false)
     , m_generation(0)
 {
-    connect(m_connectionManager, &ConnectionManager::connected, this, &DtcDetailViewModel::onConnected);
-    connect(m_connectionManager, &ConnectionManager::disconnected, this, &DtcDetailViewModel::onDisconnected);
-    connect(m_settings, &Obd::SettingsModel::unitSystemChanged, this, &DtcDetailViewModel::compose);
+    connect(m_settings, &Obd::SettingsModel::unitSystemChanged, this, &DtcDetailViewModel::showState);
 }
 
 DtcDetailViewModel::~DtcDetailViewModel()
@@ -54,45 +40,16 @@ DtcDetailViewModel::~DtcDetailViewModel()
     release();
 }
 
-void DtcDetailViewModel::setView(QObject* view)
-{
-    detachView(m_view, this);
-    m_view = view;
-    if (!m_view)
-        return;
-    connect(m_view, &QObject::destroyed, this, &DtcDetailViewModel::onViewDestroyed);
-    read();
-}
-
-void DtcDetailViewModel::setContext(QQmlContext*)
-{
-}
-
 void DtcDetailViewModel::showCode(const Obd::Dtc& dtc)
 {
     m_dtc = dtc;
-    m_navigationModel->activateView(NavigationModel::DtcDetailView);
+    open();
 }
 
-void DtcDetailViewModel::onConnected()
+void DtcDetailViewModel::stopReading()
 {
-    m_connected = true;
-    read();
-}
-
-void DtcDetailViewModel::onDisconnected()
-{
-    m_connected = false;
     for (const Entry& entry : m_entries)
         entry.updater->setProxy(nullptr);
-    // What was read stays on screen, greyed.
-    compose();
-}
-
-void DtcDetailViewModel::onViewDestroyed()
-{
-    m_view = nullptr;
-    release();
 }
 
 void DtcDetailViewModel::release()
@@ -147,7 +104,7 @@ void DtcDetailViewModel::read()
         if (!m_entries.empty())
             Obd::ObdParameterUpdater::requestUpdate(m_entries.front().updater);
     }
-    compose();
+    showState();
 }
 
 void DtcDetailViewModel::onRead(size_t index)
@@ -159,7 +116,7 @@ void DtcDetailViewModel::onRead(size_t index)
         for (size_t i = 1; i < m_entries.size(); ++i)
             Obd::ObdParameterUpdater::requestUpdate(m_entries[i].updater);
     }
-    compose();
+    showState();
 }
 
 QString DtcDetailViewModel::storingCode() const
@@ -171,12 +128,9 @@ QString DtcDetailViewModel::storingCode() const
     return code.empty() ? QString() : QString::fromStdString(code.front());
 }
 
-void DtcDetailViewModel::compose()
+void DtcDetailViewModel::showReadings()
 {
-    if (!m_view)
-        return;
     const Obd::UnitSystem units = static_cast<Obd::UnitSystem>(m_settings->unitSystem());
-    m_view->setProperty("connectionStatus", m_connected ? 2 : 0);
     m_view->setProperty("code", QString::fromStdString(m_dtc.getCode()));
     m_view->setProperty("category", QString::fromStdString(m_dtc.getCategory()));
     m_view->setProperty("description", QString::fromStdString(m_dtc.getDescription()));
@@ -194,7 +148,7 @@ void DtcDetailViewModel::compose()
     } else if (m_entries.empty() || !m_entries.front().done) {
         note = m_entries.empty() ? QString::fromLatin1(NO_FRAME) : QStringLiteral("Reading the freeze frame...");
     } else if (!m_entries.front().parameter->isRead(m_ecu.getId())) {
-        note = failureText(m_ecu, m_entries.front().parameter->readStatus(m_ecu.getId()));
+        note = couldNotRead(cause(m_ecu, m_entries.front().parameter->readStatus(m_ecu.getId())));
     } else if (storedBy.isEmpty()) {
         note = QString::fromLatin1(NO_FRAME);
     } else {
@@ -205,7 +159,7 @@ void DtcDetailViewModel::compose()
             if (!m_entries[i].done) {
                 value = QStringLiteral("...");
             } else if (!parameter->isRead(m_ecu.getId())) {
-                value = failureText(m_ecu, parameter->readStatus(m_ecu.getId()));
+                value = couldNotRead(cause(m_ecu, parameter->readStatus(m_ecu.getId())));
             } else {
                 std::vector<std::string> texts;
                 parameter->getFormattedValues(m_ecu, units, texts);

@@ -3,10 +3,8 @@
 
 #include "dtc.h"
 #include "ecu.h"
-#include "iviewmodel.h"
+#include "readingviewmodel.h"
 
-#include <QObject>
-#include <QPointer>
 #include <QString>
 
 #include <vector>
@@ -20,12 +18,11 @@ class SettingsModel;
 namespace Harmattan {
 
 class ConnectionManager;
-class NavigationModel;
 
 // One trouble code in detail: what it means, the ECU that reported it and
 // that ECU's freeze frame 0 (service 02), read once per opening of the
 // screen and shown in the unit system of the settings.
-class DtcDetailViewModel : public QObject, public IViewModel
+class DtcDetailViewModel : public ReadingViewModel
 {
     Q_OBJECT
 
@@ -36,19 +33,10 @@ public:
                        Obd::SettingsModel* settings, QObject* parent = nullptr);
     ~DtcDetailViewModel() override;
 
-    void setView(QObject* view) override;
-    void setContext(QQmlContext* context) override;
+    void setContext(QQmlContext*) override {}
 
     // Opens the screen on a code read from the car.
     void showCode(const Obd::Dtc& dtc);
-
-public slots:
-    void onConnected();
-    void onDisconnected();
-    void onViewDestroyed();
-
-private slots:
-    void compose();
 
 private:
     // One freeze-frame PID; the first is PID 02, the code that stored the frame.
@@ -59,17 +47,16 @@ private:
         bool done;
     };
 
-    void read();
+    void read() override;
+    void stopReading() override;
+    void showReadings() override;
+    void viewClosed() override { release(); }
     void release();
     void onRead(size_t index);
     // The code that stored the frame; empty until read, or when none is stored.
     QString storingCode() const;
 
-    QPointer<QObject> m_view;
-    NavigationModel* m_navigationModel;
-    ConnectionManager* m_connectionManager;
     Obd::SettingsModel* m_settings;
-    bool m_connected;
     Obd::Dtc m_dtc;
     // The reporting ECU as the link found it; hasFrame: it lists service 02 PID 02.
     Obd::Ecu m_ecu;
