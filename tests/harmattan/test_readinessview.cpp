@@ -20,7 +20,10 @@ struct Vehicle
     const char* profile;
     unsigned int engine;
     const char* verdict;       // worked out from the profile's readiness bytes
+    const char* cycleNotYet;   // the same for PID 41
 };
+
+const QString CYCLE = QString::fromUtf8(" \u00b7 this drive cycle");
 
 class ReadinessRows : public SimUiTest
 {
@@ -47,7 +50,6 @@ protected:
 };
 
 class ReadinessViewTest : public ReadinessRows, public ::testing::WithParamInterface<Vehicle> {};
-class DriveCycleTest : public ReadinessRows, public ::testing::WithParamInterface<const char*> {};
 
 void PrintTo(const Vehicle& vehicle, std::ostream* os)
 {
@@ -71,20 +73,31 @@ TEST_P(ReadinessViewTest, ShowsEachEcusMonitorsCountersAndTheVerdict)
     EXPECT_EQ(value(vehicle.engine, "Malfunction indicator lamp"), engine.milOn() ? "On" : "Off");
     EXPECT_EQ(value(vehicle.engine, "Confirmed trouble codes"), QString::number(engine.storedDtcs.size()));
     EXPECT_EQ(value(vehicle.engine, "Misfire"), "Complete");
-    EXPECT_EQ(value(vehicle.engine, "Heated Catalyst"), "Not supported");
+    EXPECT_EQ(value(vehicle.engine, "Heated Catalyst"), engine.compressionIgnition ? "" : "Not supported");
     for (const ElmSim::EcuProfile& ecu : sim->profile().ecus) {
         SCOPED_TRACE(ecu.name);
-        // Three continuous and seven spark-ignition monitors.
+        // Three continuous monitors and seven spark- or six compression-ignition ones.
         int monitors = 0;
-        for (const ResultListModel::Row& row : model()->rows())
-            monitors += row.section.endsWith(QStringLiteral("(0x%1)").arg(QString::number(ecu.id, 16).toUpper())) && row.state != ResultListModel::Reading;
-        EXPECT_EQ(monitors, ecu.supportsPid(1, 0x01) ? 10 + (ecu.milOn() ? 1 : 0) : 0);
+        for (const ResultListModel::Row& row : rows(ecu.id))
+            monitors += row.state != ResultListModel::Reading;
+        EXPECT_EQ(monitors, ecu.supportsPid(1, 0x01) ? (ecu.compressionIgnition ? 9 : 10) + (ecu.milOn() ? 1 : 0) : 0);
+        // Below them, with PID 41, every monitor enabled this drive cycle.
+        const int enabled = ecu.supportsPid(1, 0x41) ? __builtin_popcount(ecu.readiness.continuousSupported)
+                                                         + __builtin_popcount(ecu.readiness.nonContinuousSupported) : 0;
+        EXPECT_TRUE(waitUntil([&] { return rows(ecu.id, CYCLE).size() == enabled; }, READ_WAIT_MS));
     }
+    QStringList notYet;
+    for (const ResultListModel::Row& row : rows(vehicle.engine, CYCLE))
+        if (row.state == ResultListModel::Failed)
+            notYet << row.title;
+    EXPECT_EQ(notYet.join(", "), QString(vehicle.cycleNotYet));
     ASSERT_TRUE(waitUntil([&] { return !value(vehicle.engine, "Distance traveled since DTCs cleared").isEmpty(); },
                           READ_WAIT_MS));
     EXPECT_EQ(value(vehicle.engine, "Distance traveled since DTCs cleared"),
               QStringLiteral("%1 km").arg(engine.distanceSinceClearKm));
     ui->picture(QString("readiness_%1").arg(vehicle.profile));
+    QMetaObject::invokeMethod(page->findChild<QObject*>("readinessList"), "positionViewAtEnd");
+    ui->picture(QString("readiness_%1_end").arg(vehicle.profile));
 
     sim->dropNow();
     ASSERT_TRUE(waitUntil([&] { return page->property("connectionStatus").toInt() == 0; }, READ_WAIT_MS));
@@ -116,36 +129,8 @@ TEST_P(ReadinessViewTest, EachPendingCodeNamesTheEcuThatReportedIt)
 }
 
 INSTANTIATE_TEST_SUITE_P(Buses, ReadinessViewTest,
-                         ::testing::Values(Vehicle{ "can11", "can11", 0x7E8, "Not ready yet: Evaporative System (ECM)" },
-                                           Vehicle{ "kwp", "kwp", 0x11, "Not ready yet: Catalyst (ECM)" }),
+                         ::testing::Values(Vehicle{ "can11", "can11", 0x7E8, "Not ready yet: Evaporative System (ECM)", "" },
+                                           Vehicle{ "kwp", "kwp", 0x11, "Not ready yet: Catalyst (ECM)", "" },
+                                           Vehicle{ "diesel", "diesel", 0x7E8, "Not ready yet: PM filter (ECM)",
+                                                    "Boost Pressure, PM filter" }),
                          [](const ::testing::TestParamInfo<Vehicle>& info) { return std::string(info.param.name); });
-
-// PID 41 below the monitors since clearing, as the profile's bytes say; an
-// ECU without it shows nothing more.
-TEST_P(DriveCycleTest, ShowsTheMonitorsEnabledThisDriveCycle)
-{
-    const QString cycle = QString::fromUtf8(" \u00b7 this drive cycle");
-    ASSERT_TRUE(connectToSim(options(GetParam())));
-    QObject* page = ui->open(Harmattan::NavigationModel::ReadinessView);
-    ASSERT_TRUE(page);
-    for (const ElmSim::EcuProfile& ecu : sim->profile().ecus) {
-        SCOPED_TRACE(ecu.name);
-        const ElmSim::Readiness& bytes = ecu.readiness;
-        const int enabled = ecu.supportsPid(1, 0x41)
-            ? __builtin_popcount(bytes.continuousSupported) + __builtin_popcount(bytes.nonContinuousSupported) : 0;
-        ASSERT_TRUE(waitUntil([&] { return rows(ecu.id, cycle).size() == enabled && !value(ecu.id, "Misfire").isEmpty(); },
-                              READ_WAIT_MS)) << rows(ecu.id, cycle).size();
-        if (!enabled)
-            continue;
-        EXPECT_EQ(value(ecu.id, "Boost Pressure", cycle), QString(bytes.driveCycleIncomplete & 0x08 ? "Incomplete" : "Complete"));
-        EXPECT_EQ(value(ecu.id, "PM filter", cycle), QString(bytes.driveCycleIncomplete & 0x40 ? "Incomplete" : "Complete"));
-        EXPECT_EQ(value(ecu.id, "Boost Pressure"), QString(bytes.nonContinuousIncomplete & 0x08 ? "Incomplete" : "Complete"));
-    }
-    EXPECT_EQ(ui->text(page, "verdictText"), GetParam() == std::string("diesel") ? "Not ready yet: PM filter (ECM)"
-                                                                                  : "Not ready yet: Evaporative System (ECM)");
-    QMetaObject::invokeMethod(page->findChild<QObject*>("readinessList"), "positionViewAtEnd");
-    ui->picture(QString("y17r-readiness-%1").arg(GetParam()));
-}
-
-INSTANTIATE_TEST_SUITE_P(Profiles, DriveCycleTest, ::testing::Values("diesel", "can11"),
-                         [](const ::testing::TestParamInfo<const char*>& info) { return std::string(info.param); });
