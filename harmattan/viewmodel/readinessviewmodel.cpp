@@ -206,7 +206,8 @@ void ReadinessViewModel::composeCycle(const Obd::Ecu& ecu, const QString& header
     if (!ecu.isSupported(1, 0x41))
         return;
     const QString section = header + QStringLiteral(" \u00b7 this drive cycle");
-    const Obd::ReadStatus status = m_cycle->readStatus(ecu.getId());
+    // The worker owns the parameter while its read is in flight.
+    const Obd::ReadStatus status = m_cycleDone ? m_cycle->readStatus(ecu.getId()) : Obd::ReadStatus();
     if (m_cycleDone && !(m_haveCycle && status.ok())) {
         rows.append(row(section, "Monitors", QStringLiteral("could not read: ") + cause(ecu, status),
                         ResultListModel::Unread));
@@ -230,7 +231,8 @@ void ReadinessViewModel::compose()
     for (const Obd::Ecu& ecu : m_ecus) {
         const QString name = QString::fromStdString(ecu.getShortName());
         const QString header = QStringLiteral("%1 (0x%2)").arg(name, QString::number(ecu.getId(), 16).toUpper());
-        const Obd::ReadStatus status = m_status->readStatus(ecu.getId());
+        // The worker owns the parameter while its read is in flight.
+        const Obd::ReadStatus status = m_statusDone ? m_status->readStatus(ecu.getId()) : Obd::ReadStatus();
         // An ECU whose answer did not come is unknown, never "lamp off".
         if (m_statusDone && !(m_haveStatus && status.ok())) {
             failures.push_back(Obd::DtcDataModel::failureOf(ecu, status));
