@@ -185,7 +185,7 @@ TEST_F(DashboardTest, ANewReadingStartsFromWhereTheNeedleIs)
 // PIDs (CAN); elsewhere one PID a request, as before.
 TEST_F(DashboardTest, BothGaugesShareARequestOnCanOnly)
 {
-    const struct { const char* profile; bool shared; } rows[] = { { "can11", true }, { "kwp", false } };
+    const struct { const char* profile; bool shared; } rows[] = { { "can11", true }, { "kwp", false }, { "diesel", true } };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.profile);
         TearDown();

@@ -182,6 +182,7 @@ TEST_F(TroubleCodeViewTest, TappedCodeShowsItsEcuAndTheFreezeFrameThatEcuStored)
     const Row rows[] = {
         { "can11 engine: frame 0 of P0133", "can11", true, "P0420", "ECM 0x7E8", "Frame 0, stored by P0133", nullptr, 0x7E8 },
         { "kwp engine at 0x11: frame 0 of P0420", "kwp", true, "P0420", "ECM 0x11", "Frame 0, stored by P0420", nullptr, 0x11 },
+        { "diesel engine: frame 0 of P2002", "diesel", true, "P2002", "ECM 0x7E8", "Frame 0, stored by P2002", nullptr, 0x7E8 },
         { "can11 gearbox keeps no frame", "can11", false, "P0715", "TCM 0x7E9", "No freeze frame stored", nullptr, 0x7E9 },
         { "frame unreadable: the adapter's word", "can11", true, "P0133", "ECM 0x7E8",
           "could not read: NO DATA (ECM 0x7E8)", "NO DATA", 0x7E8 },
