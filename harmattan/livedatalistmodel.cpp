@@ -48,10 +48,13 @@ QVariant LiveDataListModel::data(const QModelIndex& index, int role) const
             return QStringLiteral("could not read: ")
                    + QString::fromStdString(Obd::DtcDataModel::describe(
                          { Obd::DtcDataModel::failureOf(sensor->getEcu(), sensor->getReadStatus()) }));
+        // Never a dash a user could take for a value: a row not read yet says so.
+        if (!sensor->wasRefreshed())
+            return QStringLiteral("reading\u2026");
         // Two-value PIDs read "value unit, value unit"; the unit column stays empty.
         QStringList texts;
         for (const Obd::SensorValue* value : values) {
-            const QString text = value->getValue().isEmpty() ? QStringLiteral("-") : value->getValue();
+            const QString text = value->getValue().isEmpty() ? QStringLiteral("no value") : value->getValue();
             texts << (values.size() > 1 ? (text + QLatin1Char(' ') + value->getUnit()).trimmed() : text);
         }
         return texts.join(QStringLiteral(", "));
