@@ -232,6 +232,8 @@ ZPage {
             anchors.bottom: parent.bottom
             anchors.margins: 12
             anchors.rightMargin: Theme.margin
+            // Its estimate is as stale as the readings it comes from.
+            opacity: page.stale ? 0.45 : 1
         }
     }
 }

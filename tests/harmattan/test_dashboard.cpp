@@ -243,6 +243,7 @@ TEST_F(DashboardTest, ChosenPidAndStaleValuesGreyed)
     EXPECT_EQ(ui->text(page, "staleText"), "Not connected");
     EXPECT_TRUE(rpm->property("greyed").toBool());
     EXPECT_TRUE(lower->property("greyed").toBool());
+    EXPECT_LT(page->findChild<QQuickItem*>("consumptionGauge")->opacity(), 1.0) << "the estimate greyed too";
     ASSERT_TRUE(ui->settle());
     ui->picture("19d-dashboard-lost");
 }
