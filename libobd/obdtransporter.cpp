@@ -1,6 +1,7 @@
 #include "obdtransporter.h"
 #include "canresponse.h"
 #include "elmscantool.h"
+#include "elmtransport.h"
 #include "iobdproxy.h"
 #include "iscantool.h"
 #include "obdparameter.h"
@@ -90,23 +91,6 @@ std::vector<std::string> replyLines(const std::string& text, bool keepSpaces = f
 bool startsWith(const std::string& text, const char* prefix)
 {
     return text.compare(0, std::char_traits<char>::length(prefix), prefix) == 0;
-}
-
-// Printable for a log line or a reason shown to the user.
-std::string escaped(const std::string& text)
-{
-    static const char DIGITS[] = "0123456789ABCDEF";
-    std::string out;
-    for (unsigned char c : text) {
-        if (c < 0x20 || c >= 0x7F) {
-            out += "\\x";
-            out += DIGITS[c >> 4];
-            out += DIGITS[c & 0x0F];
-        } else {
-            out += static_cast<char>(c);
-        }
-    }
-    return out;
 }
 
 // Status and error lines leave the frames; what remains is data. "SEARCHING..."
@@ -211,18 +195,18 @@ ExchangeResult ObdTransporter::execute(IObdProxy* provider, ObdParameter* parame
         if (error.status == ScantoolError::SE_ERROR_WORD && !error.word.empty())
             parameter->setExchangeStatus(READ_ADAPTER_ERROR, error.text());
         else if (!sorted.errorWord.empty())
-            parameter->setExchangeStatus(READ_ADAPTER_ERROR, "adapter error: " + escaped(sorted.errorWord));
+            parameter->setExchangeStatus(READ_ADAPTER_ERROR, "adapter error: " + ElmTransport::escaped(sorted.errorWord));
         else if (error.status == ScantoolError::SE_ERROR_WORD)
             parameter->setExchangeStatus(READ_ADAPTER_ERROR, error.text());
         else if (text.empty())
             parameter->setExchangeStatus(READ_TIMEOUT, error.status == ScantoolError::SE_NOT_CONNECTED
                                              ? "the link to the adapter was lost" : "no answer in time");
         else
-            parameter->setExchangeStatus(READ_MALFORMED, "unreadable reply: " + escaped(text));
+            parameter->setExchangeStatus(READ_MALFORMED, "unreadable reply: " + ElmTransport::escaped(text));
         return ER_NO_DATA;
     }
     if (!sorted.errorWord.empty())
-        parameter->setExchangeStatus(READ_ADAPTER_ERROR, "adapter error: " + escaped(sorted.errorWord));
+        parameter->setExchangeStatus(READ_ADAPTER_ERROR, "adapter error: " + ElmTransport::escaped(sorted.errorWord));
 
     if (!scantool->isHeadersOn()) {
         std::string joined;
@@ -456,13 +440,13 @@ bool ObdTransporter::parseCanLines(unsigned int protocol, const std::vector<std:
         std::string rest = line;
         unsigned int ecuId = 0;
         if (!extractEcuId(protocol, rest, ecuId)) {
-            OBD_ERROR << "Failed to extract ECU id, line dropped: " << escaped(line);
+            OBD_ERROR << "Failed to extract ECU id, line dropped: " << ElmTransport::escaped(line);
             continue;
         }
         std::vector<unsigned char> frame;
         hexPrefixToBytes(rest, MAX_FRAME_BYTES, frame);
         if (isStaleFrame(frame, signature)) {
-            OBD_DEBUG << "Frame of another request dropped: " << escaped(line);
+            OBD_DEBUG << "Frame of another request dropped: " << ElmTransport::escaped(line);
             stale.emplace(ecuId, frame);
             continue;
         }
@@ -515,7 +499,7 @@ bool ObdTransporter::parseNonCanLines(unsigned int protocol, const std::vector<s
     for (const std::string& line : lines) {
         std::vector<unsigned char> bytes;
         if (!hexToBytes(line, bytes)) {
-            OBD_ERROR << "Failed to convert response to bytes, line dropped: " << escaped(line);
+            OBD_ERROR << "Failed to convert response to bytes, line dropped: " << ElmTransport::escaped(line);
             if (bytes.empty() && line.size() >= 6 && hexToBytes(line.substr(0, 6), bytes))
                 broken[bytes[2]] = true;
             continue;
@@ -538,14 +522,14 @@ bool ObdTransporter::parseNonCanLines(unsigned int protocol, const std::vector<s
             }
             if (!signature.empty() && !entry.second.empty() && entry.second[0] != 0x7F
                 && !startsWithSignature(entry.second, 0, signature)) {
-                OBD_DEBUG << "Line of another request dropped: " << escaped(line);
+                OBD_DEBUG << "Line of another request dropped: " << ElmTransport::escaped(line);
                 stale.emplace(entry.first, entry.second);
                 continue;
             }
             // A line printed twice carries nothing new (an ECU never sends the same line twice).
             std::vector<std::vector<unsigned char>>& earlier = seen[entry.first];
             if (std::find(earlier.begin(), earlier.end(), entry.second) != earlier.end()) {
-                OBD_DEBUG << "Repeated line dropped: " << escaped(line);
+                OBD_DEBUG << "Repeated line dropped: " << ElmTransport::escaped(line);
                 continue;
             }
             earlier.push_back(entry.second);
