@@ -1,4 +1,5 @@
 #include "csvrecorder.h"
+#include "ecu.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -119,9 +120,7 @@ std::string CsvRecorder::cell(const std::string& text)
 
 std::string CsvRecorder::columnTitle(const std::string& name, const std::string& unit, unsigned int ecuId)
 {
-    char ecu[16];
-    std::snprintf(ecu, sizeof ecu, ecuId > 0xFFF ? "%08X" : "%03X", ecuId);
-    return name + (unit.empty() ? "" : " [" + unit + "]") + " (ECU " + ecu + ")";
+    return name + (unit.empty() ? "" : " [" + unit + "]") + " (ECU " + Ecu::idText(ecuId) + ")";
 }
 
 } // namespace Obd

@@ -1,6 +1,7 @@
 #include "ecu.h"
 
 #include <algorithm>
+#include <cstdio>
 
 namespace Obd {
 
@@ -145,6 +146,18 @@ void Ecu::setNames(const std::string& shortName, const std::string& longName)
 {
     m_shortName = shortName;
     m_longName = longName;
+}
+
+std::string Ecu::getIdText() const
+{
+    return idText(m_id);
+}
+
+std::string Ecu::idText(unsigned int id)
+{
+    char text[16];
+    std::snprintf(text, sizeof text, id > 0xFFF ? "%08X" : "%03X", id);
+    return text;
 }
 
 std::string Ecu::getShortName() const

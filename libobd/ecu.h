@@ -48,6 +48,11 @@ public:
     std::string getShortName() const;
     std::string getLongName() const;
 
+    // "7E8", "011", "18DAF110": 3 digits for 11-bit CAN ids and source
+    // addresses, 8 for 29-bit ids.
+    std::string getIdText() const;
+    static std::string idText(unsigned int id);
+
 private:
     std::vector<unsigned char>* listFor(unsigned int service);
     const std::vector<unsigned char>* listFor(unsigned int service) const;

@@ -34,10 +34,10 @@ bool wasRead(const ObdParameter& parameter, const Ecu& ecu, std::string& why)
     return status.ok();
 }
 
-std::string hex(unsigned int value, bool wide = false)
+std::string hexByte(unsigned int value)
 {
-    char text[16];
-    std::snprintf(text, sizeof text, wide ? "%08X" : "%03X", value);
+    char text[8];
+    std::snprintf(text, sizeof text, "%02X", value);
     return text;
 }
 
@@ -115,7 +115,7 @@ HtmlReport::Data ReportReader::read()
 
     for (const EcuPtr& ecu : ecus) {
         HtmlReport::Ecu item;
-        item.id = hex(ecu->getId(), ecu->getId() > 0xFFF);
+        item.id = ecu->getIdText();
         item.name = ecu->getShortName() + " - " + ecu->getLongName();
         if (ecu->isSupported(9, 0x02)) {
             if (wasRead(vin, *ecu, item.vinWhy) && vin.hasVin(*ecu))
@@ -197,7 +197,7 @@ HtmlReport::Data ReportReader::read()
             item.testsRead = true;
             for (unsigned char mid : result.getMids(*ecu)) {
                 const std::string name =
-                    can ? MonitorTestResult::getMidName(mid) : "TID $" + hex(mid).substr(1);
+                    can ? MonitorTestResult::getMidName(mid) : "TID $" + hexByte(mid);
                 for (const auto& test : result.getTestItems(*ecu, mid)) {
                     const std::string unit = unitText(test->getUnit());
                     item.tests.push_back({name + " / " + test->getTidName(),

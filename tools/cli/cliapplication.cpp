@@ -57,12 +57,6 @@ std::string hex(unsigned int value, int width = 2)
     return out.str();
 }
 
-// 3 digits for 11-bit CAN ids and source addresses, 8 for 29-bit ids.
-std::string ecuIdText(const Obd::Ecu& ecu)
-{
-    return hex(ecu.getId(), ecu.getId() > 0xFFF ? 8 : 3);
-}
-
 std::string lower(std::string text)
 {
     std::transform(text.begin(), text.end(), text.begin(),
@@ -398,7 +392,7 @@ int CliApplication::info(Session& session, Printer& printer)
         ecu->getSupported(6, mids06);
         ecu->getSupported(9, infos09);
         printer.line();
-        printer.line("ECU " + ecuIdText(*ecu) + "  " +
+        printer.line("ECU " + ecu->getIdText() + "  " +
                      ecu->getShortName() + " - " + ecu->getLongName());
         printer.line("  OBD standard:        " + ecu->getObdStandardText());
         printer.line("  Service 01 PIDs:     " + hexList(pids01));
@@ -407,7 +401,7 @@ int CliApplication::info(Session& session, Printer& printer)
         printer.line("  Service 09 types:    " + hexList(infos09));
         QJsonObject item;
         item["id"] = static_cast<qint64>(ecu->getId());
-        item["idHex"] = q(ecuIdText(*ecu));
+        item["idHex"] = q(ecu->getIdText());
         item["shortName"] = q(ecu->getShortName());
         item["longName"] = q(ecu->getLongName());
         item["obdStandard"] = static_cast<int>(ecu->getObdStandard());
@@ -448,7 +442,7 @@ int CliApplication::dtc(Session& session, Printer& printer)
         QJsonObject errors;
         item["id"] = static_cast<qint64>(ecu->getId());
         item["name"] = q(ecu->getShortName());
-        printer.line("ECU " + ecuIdText(*ecu) + "  " +
+        printer.line("ECU " + ecu->getIdText() + "  " +
                      ecu->getShortName());
         auto unread = [&](const Obd::ObdParameter& parameter, const std::string& title, const char* key) {
             const Obd::ReadStatus read = parameter.readStatus(ecu->getId());
@@ -575,7 +569,7 @@ int CliApplication::clear(Session& session, Printer& printer)
     for (const Obd::EcuPtr& ecu : ecus(session)) {
         bool cleared = ok && clearCodes.isCleared(*ecu);
         allCleared = allCleared && cleared;
-        printer.line("ECU " + ecuIdText(*ecu) + "  " +
+        printer.line("ECU " + ecu->getIdText() + "  " +
                      (cleared ? "cleared" : "not cleared"));
         QJsonObject item;
         item["id"] = static_cast<qint64>(ecu->getId());
@@ -669,7 +663,7 @@ int CliApplication::live(Session& session, Printer& printer)
                 if (it == latest.end() || it->second.values.empty()) {
                     // Never a dash: the user must not take it for a value.
                     const char* why = ecu->isSupported(1, pid) ? "could not read" : "not supported";
-                    rows.push_back({pidName(pid, *ecu), why, "", ecuIdText(*ecu)});
+                    rows.push_back({pidName(pid, *ecu), why, "", ecu->getIdText()});
                     QJsonObject value;
                     value["pid"] = q(hex(pid));
                     value["error"] = q(why);
@@ -684,7 +678,7 @@ int CliApplication::live(Session& session, Printer& printer)
                     std::string label = sample.name.empty() ? "PID " + hex(pid) : sample.name;
                     if (sample.values.size() > 1 && i < sample.parts.size())
                         label += ": " + sample.parts[i];
-                    rows.push_back({label, sample.values[i], unit, ecuIdText(*ecu)});
+                    rows.push_back({label, sample.values[i], unit, ecu->getIdText()});
                     QJsonObject value;
                     value["pid"] = q(hex(pid));
                     value["name"] = q(label);
@@ -773,7 +767,7 @@ int CliApplication::vehicle(Session& session, Printer& printer)
         QJsonObject errors;
         item["id"] = static_cast<qint64>(ecu->getId());
         item["name"] = q(ecu->getShortName());
-        printer.line("ECU " + ecuIdText(*ecu) + "  " +
+        printer.line("ECU " + ecu->getIdText() + "  " +
                      ecu->getShortName() + " - " + ecu->getLongName());
         if (haveVin && readable(vin, *ecu, 0x02, "VIN:              ", errors, "vin")) {
             printer.line("  VIN:              " + vin.getVin(*ecu));
@@ -900,7 +894,7 @@ int CliApplication::tests(Session& session, Printer& printer)
         for (const Obd::EcuPtr& ecu : all) {
             if (ecu->isSupported(6, id))
                 unread(result.readStatus(ecu->getId()),
-                       ecuIdText(*ecu) + " " + (can ? Obd::MonitorTestResult::getMidName(id) : "TID $" + hex(id)));
+                       ecu->getIdText() + " " + (can ? Obd::MonitorTestResult::getMidName(id) : "TID $" + hex(id)));
             std::vector<unsigned int> answered;
             result.getEcuIds(answered);
             if (std::find(answered.begin(), answered.end(), ecu->getId()) == answered.end())
@@ -910,7 +904,7 @@ int CliApplication::tests(Session& session, Printer& printer)
                     std::string unit = Obd::unitText(item->getUnit());
                     std::string name = can ? Obd::MonitorTestResult::getMidName(mid)
                                            : "TID $" + hex(mid);
-                    printer.line("  " + ecuIdText(*ecu) + " " +
+                    printer.line("  " + ecu->getIdText() + " " +
                                  name + " / " + item->getTidName() + ": " + item->getValueText() +
                                  " [" + item->getMinimumText() + " .. " + item->getMaximumText() +
                                  "] " + unit + (item->isPassed() ? "  pass" : "  FAIL"));
